@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Whole-file operations. Failures are std::system_error whose text names the path.
+class HUTFile {
+public:
+    /// Absolute path without ".", ".." or doubled "/", symbolic links resolved as far as the path exists.
+    /// Never throws; the empty name stays empty.
+    static std::string getCanonicalName(const std::string& path);
+
+    static bool exists(const std::string& path);
+
+    /// The bytes of the file. Throws std::system_error.
+    static std::string read(const std::string& path);
+
+    /// Replaces the file by `bytes` so that a reader, also after a crash or power loss, finds either the old
+    /// content or the new: writes a temporary beside, flushes, renames, flushes the directory. The mode of an
+    /// existing file is kept; a symbolic link is followed, not replaced; a device or pipe is written
+    /// directly. Throws std::system_error, and then the old content stands and no temporary is left.
+    static void write_atomically(const std::string& path, std::string_view bytes);
+};
