@@ -1,0 +1,52 @@
+# The shell of tcl mode: prompt, results, errors, incomplete commands, the interrupt key.
+source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
+
+cat >session.exp <<'EXPECT'
+set timeout 30
+proc fail {what} {puts "FAILED: $what"; exit 1}
+proc see {what pattern} {
+    expect {
+        -re $pattern {}
+        timeout {fail "$what (nothing came that matches $pattern)"}
+        eof {fail "$what (the session ended)"}
+    }
+}
+spawn -noecho [lindex $argv 0] -mode tcl -nolog -nojournal
+see "a prompt" {% $}
+send "expr {6 * 7}\r"
+see "the result of a command" {\r\n42\r\n.*% $}
+send "nosuchcommand\r"
+see "an error that names the command" {invalid command name "nosuchcommand"}
+see "a prompt after an error" {% $}
+send "set x \{a\r"
+send "b\}\r"
+see "the result of a command of two lines" {a\r\nb\r\n}
+send "while 1 {}\r"
+sleep 1
+send "\003"
+see "a prompt after the interrupt key" {% $}
+send "expr {40 + 2}\r"
+see "that the session lives on after the interrupt" {\r\n42\r\n}
+send "exit 3\r"
+expect {
+    eof {}
+    timeout {fail "exit does not end the session"}
+}
+exit [lindex [wait] 3]
+EXPECT
+
+run expect session.exp "$corvane"
+check "the shell on a terminal" status_is 3
+
+printf 'expr {6 * 7}\nnosuchcommand\nputs "still here"\n' >typed
+input=typed run "$corvane" -mode tcl -nolog -nojournal
+check "a script from a pipe goes on after an error" shows "still here"
+
+printf 'error "the pump is dry"\n' >bad.tcl
+printf 'puts "still here"\n' >typed
+input=typed run "$corvane" -mode tcl -nolog -nojournal -source bad.tcl
+check "a failing script leaves the shell running" shows "still here"
+check "the error of the script is shown once" shows_once "the pump is dry"
+check "the session then ends well" status_is 0
+
+finish
