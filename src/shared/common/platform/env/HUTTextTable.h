@@ -2,8 +2,8 @@
 
 #include <iosfwd>
 #include <string>
-#include <utility>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// A table for a text report:

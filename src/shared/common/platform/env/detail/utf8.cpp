@@ -1,0 +1,71 @@
+#include "platform/env/detail/utf8.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace env_detail {
+namespace {
+
+struct range {
+    char32_t first, last;
+};
+
+bool in(const range* begin, const range* end, char32_t code) {
+    auto it = std::upper_bound(begin, end, code, [](char32_t c, const range& r) { return c < r.first; });
+    return it != begin && code <= std::prev(it)->last;
+}
+
+// Marks that sit on the character before them, and characters without a shape of their own.
+constexpr range zero_width[] = {
+    {0x0300, 0x036F},   {0x0483, 0x0489},   {0x0591, 0x05BD}, {0x05BF, 0x05BF}, {0x05C1, 0x05C2},
+    {0x05C4, 0x05C5},   {0x0610, 0x061A},   {0x064B, 0x065F}, {0x0670, 0x0670}, {0x06D6, 0x06DC},
+    {0x06DF, 0x06E4},   {0x0900, 0x0902},   {0x093C, 0x093C}, {0x0941, 0x0948}, {0x094D, 0x094D},
+    {0x0E31, 0x0E31},   {0x0E34, 0x0E3A},   {0x0E47, 0x0E4E}, {0x1160, 0x11FF}, {0x1AB0, 0x1AFF},
+    {0x1DC0, 0x1DFF},   {0x200B, 0x200F},   {0x202A, 0x202E}, {0x2060, 0x2064}, {0x20D0, 0x20FF},
+    {0x302A, 0x302D},   {0x3099, 0x309A},   {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xFEFF, 0xFEFF},
+    {0x1F3FB, 0x1F3FF}, {0xE0100, 0xE01EF},
+};
+
+constexpr range double_width[] = {
+    {0x1100, 0x115F},   {0x231A, 0x231B},   {0x23E9, 0x23EC},   {0x25FD, 0x25FE},   {0x2614, 0x2615},
+    {0x2648, 0x2653},   {0x26AA, 0x26AB},   {0x26BD, 0x26BE},   {0x26C4, 0x26C5},   {0x2705, 0x2705},
+    {0x274C, 0x274C},   {0x2753, 0x2755},   {0x2795, 0x2797},   {0x2B1B, 0x2B1C},   {0x2B50, 0x2B50},
+    {0x2E80, 0x303E},   {0x3041, 0x33FF},   {0x3400, 0x4DBF},   {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},
+    {0xA960, 0xA97F},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},
+    {0xFFE0, 0xFFE6},   {0x16FE0, 0x18AFF}, {0x1B000, 0x1B2FF}, {0x1F004, 0x1F004}, {0x1F0CF, 0x1F0CF},
+    {0x1F18E, 0x1F18E}, {0x1F191, 0x1F19A}, {0x1F200, 0x1F320}, {0x1F32D, 0x1F3FA}, {0x1F400, 0x1F64F},
+    {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x1FA70, 0x1FAFF}, {0x20000, 0x3FFFD},
+};
+
+} // namespace
+
+utf8_char utf8_at(std::string_view text, size_t pos) {
+    constexpr utf8_char bad{0xFFFD, 1};
+    auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(pos);
+    if (lead < 0x80)
+        return {lead, 1};
+    const size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || size > text.size() - pos)
+        return bad;
+    char32_t code = lead & (0xFF >> (size + 1));
+    for (size_t i = 1; i < size; ++i) {
+        if ((byte(pos + i) & 0xC0) != 0x80)
+            return bad;
+        code = code << 6 | (byte(pos + i) & 0x3F);
+    }
+    constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (code < least[size] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return bad;
+    return {code, size};
+}
+
+size_t columns_of(char32_t code) {
+    if (code < 0x300)
+        return 1;
+    if (in(std::begin(zero_width), std::end(zero_width), code))
+        return 0;
+    return in(std::begin(double_width), std::end(double_width), code) ? 2 : 1;
+}
+
+} // namespace env_detail
