@@ -11,7 +11,9 @@ foreach script [lsort [glob -directory $here group_*.tcl]] {
     set name [regsub {^group_} [file rootname [file tail $script]] {}]
     if {![regexp -- $pattern $name]} continue
     puts stderr "Measuring: $name"
-    lappend rows {*}[split [exec [info nameofexecutable] $script $build 2>@stderr] \n]
+    foreach line [split [exec [info nameofexecutable] $script $build 2>@stderr] \n] {
+        if {[llength [split $line \t]] == 6} {lappend rows $line}
+    }
 }
 
 set format "%-46s %12s  %-42s %12s %8s  %s"
