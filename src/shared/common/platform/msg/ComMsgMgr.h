@@ -33,7 +33,8 @@ public:
 ///
 /// A mask of several destination bits goes once to each place that one of them names; a severity bit outranks
 /// them. All operations may be called on any thread. Every message is written whole: lines of two threads
-/// never mix. State is guarded by one mutex inside the implementation; no caller's code runs under it.
+/// never mix. State is guarded by one mutex inside the implementation; a second one is held while the log and
+/// the journal are written, so that both see one order. No lock is held while the console is written.
 class ComMsgMgr {
 public:
     using MsgMask = ComMsgMgrMask;
@@ -84,10 +85,8 @@ public:
     template <class... Args>
     static void sendMsg(std::string_view subsystem, MsgMask mask,
                         com_msg_mgr::Key<std::type_identity_t<Args>...> key, const Args&... args) {
-        if (isQuiet())
-            return;
-        const Admission admission = admit(subsystem, mask, key.text());
-        if (admission != Admission::drop || (mask & MSGTYPE_ERROR))
+        const Admission admission = admit(subsystem, mask, key.number());
+        if (isWanted(admission, mask))
             emit(ComMsgMgrInstance(subsystem, mask, key, args...), admission);
     }
     /// Sends a prepared message.
@@ -137,7 +136,8 @@ public:
     /// to itself.
     static unsigned getMsgCount(MsgMask severity);
     static unsigned getMsgCount(const std::string& id);
-    static void resetMsgCount(const std::string& id);
+    /// Sets the counts of all ids that match a glob pattern back to 0.
+    static void resetMsgCount(const std::string& pattern);
     static void resetAllMsgCounts(bool ids, bool severities);
     static unsigned getLifetimeErrorCount() { return getMsgCount(MSGTYPE_ERROR); }
     static void setLifetimeErrorCount(unsigned count);
@@ -153,13 +153,14 @@ public:
     static unsigned getMsgLimit(MsgMask severity);
     static void resetMsgLimit(MsgMask severity);
 
-    /// Messages kept since MSGCACHE_ON, of any severity in the mask, in the order in which they were shown.
+    /// Messages with an id kept since MSGCACHE_ON, of any severity in the mask, in the order of sending.
     static std::vector<std::shared_ptr<const ComMsgMgrInstance>> getMessages(MsgMask mask);
     /// Switch the keeping of messages during a session.
     static void turnOnMsgCache();
     static void turnOffMsgCache();
 
-    /// While one lives on a thread, messages that this thread sends are neither shown nor counted. They nest.
+    /// While one lives on a thread, messages with a severity that this thread sends are neither shown nor
+    /// counted; plain output is shown. They nest.
     class QuietScope {
     public:
         QuietScope() { ++s_quietDepth; }
@@ -186,10 +187,17 @@ public:
     static void setAllToConsole(bool all);
 
 private:
-    enum class Admission { show, show_and_notice, drop };
+    enum class Admission { show, stopped_by_limit, first_stopped_by_limit, unseen };
 
-    static Admission admit(std::string_view subsystem, MsgMask mask, std::string_view key);
+    /// Counts a message and says whether it is shown. `number` is empty for a text without an id.
+    static Admission admit(std::string_view subsystem, MsgMask mask, std::string_view number);
+    /// Whether there is anything to do for a message: an ERROR is noted even when it is not shown.
+    static bool isWanted(Admission admission, MsgMask mask) {
+        return admission == Admission::show || admission == Admission::first_stopped_by_limit ||
+               (admission == Admission::stopped_by_limit && (mask & MSGTYPE_ERROR));
+    }
     static void emit(const ComMsgMgrInstance& message, Admission admission);
+    static void noticeLimit(const std::string& id);
 
     inline static std::atomic<std::uint64_t> s_errorCount{0};
     inline static thread_local int s_quietDepth = 0;

@@ -100,6 +100,8 @@ public:
             throw "the message key has more types than arguments are given";
     }
     constexpr std::string_view text() const { return m_key; }
+    /// "17-153" of "@17-153@%s".
+    constexpr std::string_view number() const { return m_key.substr(1, m_key.find('@', 1) - 1); }
 
 private:
     std::string_view m_key;
@@ -140,7 +142,8 @@ public:
     /// The database's words with the arguments filled in, without a line end. A message that the database
     /// does not know says so and lists its arguments.
     std::string text() const;
-    /// The message as it is shown, "<SEVERITY>: [<Alias> <id>] <text>", without a line end.
+    /// The message as it is shown, "<SEVERITY>: [<Alias> <id>] <text>", without a line end. A message that is
+    /// a plain line of output, by its mask, is its text alone.
     std::string line() const;
     /// line() with a line end.
     std::string getMessage() const { return line() + '\n'; }

@@ -72,7 +72,9 @@ public:
 
 private:
     struct Impl;
+    HPAParamMgr();
     HPAParam& require(std::string_view name) const;
+    void setBool(HPAParam& param, bool value);
     void changed(HPAParam& param);
 
     std::unique_ptr<Impl> m_impl;
