@@ -2,7 +2,7 @@
 # `root` set to the source tree. All that is said goes to standard error, so that standard output
 # belongs to the program that is started afterwards.
 
-say() { printf '%s\n' "$*" >&2; }
+say() { printf '%s\n' "$@" >&2; }
 fail() { say "$@"; exit 1; }
 
 # packages_with TAG...: the names in packages.txt that carry no tag or one of these tags.
