@@ -348,6 +348,15 @@ TEST_F(LogFileTest, OneThreadCanPutALineTogetherPieceByPiece) {
     EXPECT_EQ(HUTFile::read("l"), "ab\nopen\nof another thread\nnext\n");
 }
 
+namespace {
+std::string line_of(int thread, int number) {
+    std::ostringstream line;
+    line << '<' << thread << ' ' << number << ' '
+         << std::string(static_cast<size_t>(number % 97), static_cast<char>('a' + thread)) << '>';
+    return line.str();
+}
+} // namespace
+
 TEST_F(LogFileTest, LinesOfEightThreadsNeverMix) {
     constexpr int threads = 8, lines = 3000;
     Log::createLogFile("l", false);
@@ -355,9 +364,7 @@ TEST_F(LogFileTest, LinesOfEightThreadsNeverMix) {
     for (int t = 0; t < threads; ++t)
         writers.emplace_back([t] {
             for (int i = 0; i < lines; ++i) {
-                const std::string number = std::to_string(i);
-                Log::writeLog("<" + std::to_string(t) + " " + number + " " +
-                              std::string(static_cast<size_t>(i % 97), static_cast<char>('a' + t)) + ">\n");
+                Log::writeLog(line_of(t, i) + '\n');
                 if (i % 100 == 0)
                     Log::flush();
             }
@@ -373,10 +380,7 @@ TEST_F(LogFileTest, LinesOfEightThreadsNeverMix) {
         int t = -1, i = -1;
         ASSERT_EQ(std::sscanf(line.c_str(), "<%d %d", &t, &i), 2) << line;
         ASSERT_EQ(i, next[t]++) << "order within a thread";
-        const std::string expected = "<" + std::to_string(t) + " " + std::to_string(i) + " " +
-                                     std::string(static_cast<size_t>(i % 97), static_cast<char>('a' + t)) +
-                                     ">";
-        ASSERT_EQ(line, expected);
+        ASSERT_EQ(line, line_of(t, i));
     }
     EXPECT_EQ(count, threads * lines);
 }

@@ -153,9 +153,8 @@ void HUTFile::write_atomically(const std::string& path, std::string_view bytes) 
     if (replaces && !S_ISREG(old.st_mode))
         return write_directly(target, bytes);
 
-    std::string directory = std::filesystem::path(target).parent_path().string();
-    if (directory.empty())
-        directory = ".";
+    const size_t slash = target.rfind('/');
+    const std::string directory = slash == std::string::npos ? "." : target.substr(0, slash + 1);
     temporary beside(directory);
     if (!beside.file)
         throw_system_error(errno, cannot_write, path);
