@@ -15,6 +15,8 @@ target_include_directories(corvane_flags INTERFACE ${CMAKE_SOURCE_DIR}/src/share
 target_include_directories(corvane_flags SYSTEM INTERFACE ${TCL_INCLUDE_PATH})
 # Line tables keep the stack in a crash report readable without the bulk of full debug information.
 target_compile_options(corvane_flags INTERFACE -Wall -Wextra -Wnon-virtual-dtor $<$<CONFIG:Release>:-g1>)
+# GCC 12 sees overlaps in std::string::assign that are not there.
+target_compile_options(corvane_flags INTERFACE $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
 if(CORVANE_WERROR)
     target_compile_options(corvane_flags INTERFACE -Werror)
 endif()

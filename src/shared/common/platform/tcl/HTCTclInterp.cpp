@@ -1,0 +1,79 @@
+#include "platform/tcl/HTCTclInterp.h"
+
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+struct registered_interp {
+    Tcl_Interp* interp;
+    Tcl_ThreadId thread;
+};
+
+struct registry {
+    std::mutex mutex;
+    std::vector<registered_interp> interps;        // guarded by mutex
+    std::vector<void (*)(Tcl_Interp*)> onDeletion; // guarded by mutex
+};
+
+// Lives until the process ends: interpreters may be deleted from exit handlers of any library.
+registry& interps() {
+    static registry& instance = *new registry;
+    return instance;
+}
+
+auto find(registry& r, Tcl_Interp* interp) {
+    return std::find_if(r.interps.begin(), r.interps.end(),
+                        [&](const registered_interp& entry) { return entry.interp == interp; });
+}
+
+void forget(ClientData, Tcl_Interp* interp) {
+    registry& r = interps();
+    std::vector<void (*)(Tcl_Interp*)> listeners;
+    {
+        std::lock_guard lock(r.mutex);
+        const auto at = find(r, interp);
+        if (at != r.interps.end()) {
+            r.interps.erase(at);
+        }
+        listeners = r.onDeletion;
+    }
+    for (auto* listener : listeners) {
+        listener(interp);
+    }
+}
+
+} // namespace
+
+void HTCTclInterp::registerInterp(Tcl_Interp* interp) {
+    registry& r = interps();
+    std::lock_guard lock(r.mutex);
+    if (find(r, interp) == r.interps.end()) {
+        r.interps.push_back({interp, Tcl_GetCurrentThread()});
+        Tcl_CallWhenDeleted(interp, forget, nullptr);
+    }
+}
+
+Tcl_Interp* HTCTclInterp::getDefaultInterp() {
+    registry& r = interps();
+    std::lock_guard lock(r.mutex);
+    return r.interps.empty() ? nullptr : r.interps.front().interp;
+}
+
+Tcl_ThreadId HTCTclInterp::threadOf(Tcl_Interp* interp) {
+    registry& r = interps();
+    std::lock_guard lock(r.mutex);
+    const auto at = find(r, interp);
+    return at == r.interps.end() ? nullptr : at->thread;
+}
+
+bool HTCTclInterp::isSlave(Tcl_Interp* interp) {
+    return Tcl_GetMaster(interp) != nullptr;
+}
+
+void HTCTclInterp::onDelete(void (*listener)(Tcl_Interp*)) {
+    registry& r = interps();
+    std::lock_guard lock(r.mutex);
+    r.onDeletion.push_back(listener);
+}

@@ -1,0 +1,82 @@
+#include "platform/tcl/HTCTclUtils.h"
+
+#include <atomic>
+#include <cstring>
+
+#include "platform/tcl/HTCTclEncoding.h"
+#include "platform/tcl/HTCTclInterp.h"
+#include "platform/tcl/tclobj_ref.h"
+
+namespace {
+
+std::atomic<bool (*)(Tcl_Interp*)> catchQuery{nullptr};
+std::atomic<const char* (*)()> modeQuery{nullptr};
+
+bool mode_is(const char* word) {
+    const auto query = modeQuery.load();
+    return query && std::strcmp(query(), word) == 0;
+}
+
+} // namespace
+
+void HTCTclUtils::setCatchQuery(bool (*query)(Tcl_Interp*)) {
+    catchQuery = query;
+}
+
+void HTCTclUtils::setModeQuery(const char* (*query)()) {
+    modeQuery = query;
+}
+
+bool HTCTclUtils::isTclMode() {
+    return mode_is("tcl");
+}
+
+bool HTCTclUtils::isBatchMode() {
+    return mode_is("batch");
+}
+
+bool HTCTclUtils::isGuiMode() {
+    return mode_is("gui");
+}
+
+int HTCTclUtils::tclGetPrecision(int fallback) {
+    Tcl_Interp* interp = HTCTclInterp::getDefaultInterp();
+    if (!interp || HTCTclInterp::threadOf(interp) != Tcl_GetCurrentThread()) {
+        return fallback;
+    }
+    Tcl_Obj* value = Tcl_GetVar2Ex(interp, "tcl_precision", nullptr, TCL_GLOBAL_ONLY);
+    int digits = 0;
+    const bool set =
+        value && Tcl_GetIntFromObj(nullptr, value, &digits) == TCL_OK && digits >= 1 && digits <= 17;
+    return set ? digits : fallback;
+}
+
+std::string HTCTclUtils::tclGetErrorInfo(Tcl_Interp* interp, int code) {
+    if (code != TCL_ERROR) {
+        return {};
+    }
+    const vek::tcltasks::tclobj_ref options(Tcl_GetReturnOptions(interp, code));
+    const vek::tcltasks::tclobj_ref key(Tcl_NewStringObj("-errorinfo", -1));
+    Tcl_Obj* info = nullptr;
+    Tcl_DictObjGet(nullptr, options.get(), key.get(), &info);
+    return info ? HTCTclEncoding::tclGetString(info) : std::string();
+}
+
+bool HTCTclUtils::isSourcingScript(Tcl_Interp* interp) {
+    const vek::tcltasks::tclobj_ref saved(Tcl_GetObjResult(interp));
+    bool sourcing = false;
+    if (Tcl_Eval(interp, "::info script") == TCL_OK) {
+        sourcing = *Tcl_GetString(Tcl_GetObjResult(interp)) != 0;
+    }
+    Tcl_SetObjResult(interp, saved.get());
+    return sourcing;
+}
+
+bool HTCTclUtils::isInCatch(Tcl_Interp* interp) {
+    const auto query = catchQuery.load();
+    return query && query(interp);
+}
+
+bool HTCTclUtils::tclIsCmdInGlobalNamespace(Tcl_Interp* interp, const std::string& name) {
+    return Tcl_FindCommand(interp, name.c_str(), nullptr, TCL_GLOBAL_ONLY) != nullptr;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <tcl.h>
+
+/// Questions about the state of an interpreter. Interpreter's thread unless said otherwise.
+class HTCTclUtils {
+public:
+    /// The current run mode, read from the Tcl variable omu::mode of the default interpreter's session.
+    static bool isTclMode();
+    static bool isBatchMode();
+    static bool isGuiMode();
+
+    /// Digits after the point for floating values as text: the Tcl variable tcl_precision if it is set
+    /// to 1..17, else `fallback`.
+    static int tclGetPrecision(int fallback);
+
+    /// The stack of the last error as Tcl keeps it in errorInfo, in the system encoding; empty when `code` is
+    /// not TCL_ERROR or nothing was recorded.
+    static std::string tclGetErrorInfo(Tcl_Interp* interp, int code);
+
+    /// True while a file is being sourced in this interpreter.
+    static bool isSourcingScript(Tcl_Interp* interp);
+
+    /// True while the interpreter runs inside a catch of the script.
+    static bool isInCatch(Tcl_Interp* interp);
+
+    /// True if a command stands under this plain name in the global namespace.
+    static bool tclIsCmdInGlobalNamespace(Tcl_Interp* interp, const std::string& name);
+
+    /// How isInCatch finds out; the command that replaces catch installs it.
+    static void setCatchQuery(bool (*query)(Tcl_Interp*));
+
+    /// How the run mode is known; the session driver installs it. The word is one of tcl, batch, gui, py,
+    /// no_mode.
+    static void setModeQuery(const char* (*query)());
+};

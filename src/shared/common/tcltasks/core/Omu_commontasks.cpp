@@ -1,0 +1,80 @@
+#include "tcltasks/core/Omu_commontasks.h"
+
+#include "platform/env/HUTEnv.h"
+#include "platform/msg/ComMsgMgr.h"
+#include "platform/param/HPAParamMgr.h"
+#include "platform/tcl/HTCTclChannel.h"
+#include "platform/tcl/HTCTclInit.h"
+#include "platform/tcl/HTCTclInterp.h"
+#include "platform/tcl/tcl_guard.h"
+#include "platform/tcl/tclcmdobj.h"
+#include "tcltasks/utils/HTCUtilsInit.h"
+
+namespace {
+
+bool Omu_commontasks_Init_done = false;
+
+struct unit {
+    void (*init)(Tcl_Interp*); // null: a step of the teardown only
+    void (*uninit)();          // null: nothing to take down
+};
+
+// The order in which units come up is also the order in which they go: the teardown walks forward.
+const unit units[] = {
+    {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
+    {nullptr, ComMsgMgr::uninit},
+    {nullptr, HTCTclInit::uninit},
+};
+
+void uninit(void*) {
+    vek::tcltasks::tcl_guard(nullptr, [] {
+        for (const unit& u : units) {
+            if (u.uninit) {
+                u.uninit();
+            }
+        }
+        return TCL_OK;
+    });
+}
+
+int source_startup_script(Tcl_Interp* interp) {
+    const std::string root = HUTEnv::getOMUAppRoot("scripts/builtin.tcl");
+    return vek::tcltasks::tclcmdobj(interp, "source").append(root + "/scripts/builtin.tcl").eval();
+}
+
+int load(Tcl_Interp* interp) {
+    HTCTclInterp::registerInterp(interp);
+    for (const unit& u : units) {
+        if (u.init) {
+            u.init(interp);
+        }
+    }
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("tcl.launchTclThread")) {
+        if (const int code = source_startup_script(interp); code != TCL_OK) {
+            return code;
+        }
+    }
+    Tcl_Namespace* common = Tcl_FindNamespace(interp, "::common", nullptr, TCL_GLOBAL_ONLY);
+    if (!common) {
+        common = Tcl_CreateNamespace(interp, "::common", nullptr, nullptr);
+    }
+    if (const int code = Tcl_Export(interp, common, "*", 0); code != TCL_OK) {
+        return code;
+    }
+    return Tcl_PkgProvideEx(interp, "omu::commontasks", HUTEnv::getTclPackageVersion().c_str(), nullptr);
+}
+
+} // namespace
+
+int Omu_commontasks_Init(Tcl_Interp* interp) {
+    if (!Omu_commontasks_Init_done) {
+        Tcl_CreateExitHandler(uninit, nullptr);
+        HTCTclChannel::forwardMsg2Stdout();
+        Omu_commontasks_Init_done = true;
+    }
+    return vek::tcltasks::tcl_guard(interp, [&] { return load(interp); });
+}
+
+int Zq_commontasks_Init(Tcl_Interp* interp) {
+    return Omu_commontasks_Init(interp);
+}
