@@ -31,9 +31,10 @@ public:
         return this->answered() ? TCL_OK : execute(interp);
     }
 
+    /// The command's work, for one that needs no interpreter.
+    virtual int execute() { return 1; }
     /// The command's work; options are read with get_option. Returns a Tcl code; may throw.
     virtual int execute(Tcl_Interp*) { return execute(); }
-    virtual int execute() { return 1; }
 
     const char* task_name() const override { return T::command; }
     std::string task_help_name(const std::string& name) const override { return name; }
