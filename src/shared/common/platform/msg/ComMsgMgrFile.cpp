@@ -272,7 +272,7 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
 
     std::unique_lock lock(store().mutex);
     const auto [position, isNew] = store().loaded.emplace(subsystem, db);
-    const std::shared_ptr<const ComMsgMgrDb> result = position->second;
+    std::shared_ptr<const ComMsgMgrDb> result = position->second;
     lock.unlock();
     // Only now that the subsystem is known: telling of a fault in the file of "common" looks texts up in it.
     if (isNew)
