@@ -199,8 +199,10 @@ void on_fatal(int signal, siginfo_t* info, void*) {
     const int self = static_cast<int>(::syscall(SYS_gettid));
     int nobody = 0;
     if (!dying_thread.compare_exchange_strong(nobody, self)) {
-        while (nobody != self)
-            ::pause();
+        if (nobody != self) {
+            for (;;)
+                ::pause();
+        }
         end_with(signal);
     }
     char path[8192];
