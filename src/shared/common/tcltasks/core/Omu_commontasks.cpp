@@ -22,6 +22,9 @@ struct unit {
 // The order in which units come up is also the order in which they go: the teardown walks forward.
 const unit units[] = {
     {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
+    {HTCUtilsInit::HTCCheckEnv::init, HTCUtilsInit::HTCCheckEnv::uninit},
+    {HTCUtilsInit::HTCLoadFeature::init, HTCUtilsInit::HTCLoadFeature::uninit},
+    {HTCUtilsInit::HTCRegisterTask::init, HTCUtilsInit::HTCRegisterTask::uninit},
     {nullptr, ComMsgMgr::uninit},
     {nullptr, HTCTclInit::uninit},
 };
