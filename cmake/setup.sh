@@ -56,7 +56,7 @@ show_progress() {
     local log=$1 label=$2 line shown=-1 percent left done total elapsed
     while IFS= read -r line; do
         printf '%s\n' "$line" >>"$log"
-        [[ $line =~ ^\[([0-9]+)/([0-9]+)\ ([0-9]+) ]] || continue
+        [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\ ([0-9]+) ]] || continue
         done=${BASH_REMATCH[1]} total=${BASH_REMATCH[2]} elapsed=${BASH_REMATCH[3]}
         percent=$((done * 100 / total))
         left=$(((elapsed * (total - done) / done + 59) / 60))
@@ -91,6 +91,10 @@ build() {
             tail -n 30 "$log" >&2
             fail "CMake could not configure the build; the whole output is in $log"
         fi
+    fi
+    if ! ninja -C "$directory" build.ninja >"$log" 2>&1 </dev/null; then
+        tail -n 30 "$log" >&2
+        fail "CMake could not configure the build; the whole output is in $log"
     fi
     plan=$(ninja -C "$directory" -n "$@" 2>&1 </dev/null) || true
     if [[ $plan != *"no work to do"* ]]; then
