@@ -20,6 +20,13 @@ std::string problems_of(const std::string& text, const std::string& subsystem = 
     return result;
 }
 
+TEST(ComMsgMgrFileTest, aMessageMayBeMarkedAsNotUsedYet) {
+    ComMsgMgrFile file("", "");
+    EXPECT_TRUE(file.readText(head + "message 90-1 ERROR \"x\"" + fields +
+                              "    reserved\nmessage 90-2 ERROR \"y\"" + fields));
+    EXPECT_EQ(file.entries().size(), 2u);
+}
+
 TEST(ComMsgMgrFile, readsSubsystemAndMessages) {
     ComMsgMgrFile file("trial", "x.msg");
     ASSERT_TRUE(file.readText(

@@ -143,6 +143,8 @@ private:
         entry.text = text.text;
         field("description", entry.description, entry.number);
         field("resolution", entry.resolution, entry.number);
+        if (at("reserved"))
+            advance();
         m_numbers.insert(entry.number);
         entries.push_back(std::move(entry));
     }
