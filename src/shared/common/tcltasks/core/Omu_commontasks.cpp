@@ -8,6 +8,7 @@
 #include "platform/tcl/HTCTclInterp.h"
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclcmdobj.h"
+#include "tcltasks/builtin/HTCBuiltinInit.h"
 #include "tcltasks/utils/HTCUtilsInit.h"
 
 namespace {
@@ -21,6 +22,13 @@ struct unit {
 
 // The order in which units come up is also the order in which they go: the teardown walks forward.
 const unit units[] = {
+    {HTCBuiltinInit::HTCCatch::init, HTCBuiltinInit::HTCCatch::uninit},
+    {HTCBuiltinInit::HTCForeach::init, HTCBuiltinInit::HTCForeach::uninit},
+    {HTCBuiltinInit::HTCJoin::init, HTCBuiltinInit::HTCJoin::uninit},
+    {HTCBuiltinInit::HTCLappend::init, HTCBuiltinInit::HTCLappend::uninit},
+    {HTCBuiltinInit::HTCLindex::init, HTCBuiltinInit::HTCLindex::uninit},
+    {HTCBuiltinInit::HTCLlength::init, HTCBuiltinInit::HTCLlength::uninit},
+    {HTCBuiltinInit::HTCLsearch::init, HTCBuiltinInit::HTCLsearch::uninit},
     {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
     {HTCUtilsInit::HTCCheckEnv::init, HTCUtilsInit::HTCCheckEnv::uninit},
     {HTCUtilsInit::HTCLoadFeature::init, HTCUtilsInit::HTCLoadFeature::uninit},

@@ -1,0 +1,52 @@
+#include "tcltasks/builtin/HTCBuiltinInit.h"
+
+#include "platform/tcl/HTCTclUtils.h"
+#include "tcltasks/builtin/HTCBuiltinCmds.h"
+
+namespace HTCBuiltinInit {
+
+namespace {
+
+// The client data of each command is the name of the command that it stands beside.
+void add(Tcl_Interp* interp, const char* name, Tcl_ObjCmdProc* command, const char* tail) {
+    Tcl_CreateObjCommand(interp, name, command, const_cast<char*>(tail), nullptr);
+}
+
+void add(Tcl_Interp* interp, const char* name, Tcl_ObjCmdProc* command, Tcl_ObjCmdProc* withoutRecursion,
+         const char* tail) {
+    Tcl_NRCreateCommand(interp, name, command, withoutRecursion, const_cast<char*>(tail), nullptr);
+}
+
+} // namespace
+
+void HTCCatch::init(Tcl_Interp* interp) {
+    add(interp, "omu::catch", Omu_CatchObjCmd, Omu_CatchNRCmd, "catch");
+    add(interp, "omu::is_in_catch", Omu_IsInCatchCmd, "is_in_catch");
+    HTCTclUtils::setCatchQuery(Omu_IsInCatch);
+}
+
+void HTCForeach::init(Tcl_Interp* interp) {
+    add(interp, "omu::foreach", Omu_ForeachObjCmd, Omu_ForeachNRCmd, "foreach");
+}
+
+void HTCJoin::init(Tcl_Interp* interp) {
+    add(interp, "omu::join", Omu_JoinObjCmd, "join");
+}
+
+void HTCLappend::init(Tcl_Interp* interp) {
+    add(interp, "omu::lappend", Omu_LappendObjCmd, "lappend");
+}
+
+void HTCLindex::init(Tcl_Interp* interp) {
+    add(interp, "omu::lindex", Omu_LindexObjCmd, "lindex");
+}
+
+void HTCLlength::init(Tcl_Interp* interp) {
+    add(interp, "omu::llength", Omu_LlengthObjCmd, "llength");
+}
+
+void HTCLsearch::init(Tcl_Interp* interp) {
+    add(interp, "omu::lsearch", Omu_LsearchObjCmd, "lsearch");
+}
+
+} // namespace HTCBuiltinInit
