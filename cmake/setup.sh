@@ -50,21 +50,28 @@ install_packages() {
     fi
 }
 
-# show_progress LOG LABEL: copies ninja's output to LOG and shows how far it is: on a terminal in one
-# line that is renewed, elsewhere in a line every tenth.
+# show_progress PRESET LOG: copies ninja's output to LOG and, once it is known that there is something to build,
+# says how much and shows how far it is: on a terminal in one line that is renewed, elsewhere in a line
+# every tenth.
 show_progress() {
-    local log=$1 label=$2 line shown=-1 percent left done total elapsed
+    local preset=$1 log=$2 line shown=-1 percent left done total elapsed
     while IFS= read -r line; do
         printf '%s\n' "$line" >>"$log"
+        [[ $line == *"Re-running CMake"* ]] && continue
         [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\ ([0-9]+) ]] || continue
         done=${BASH_REMATCH[1]} total=${BASH_REMATCH[2]} elapsed=${BASH_REMATCH[3]}
+        if ((shown < 0)); then
+            # Two seconds a step is what a source takes without a compiler cache.
+            say "Building build/$preset: $total steps, up to $(((total * 2 / $(nproc) + 59) / 60)) min on $(nproc) cores (output in $log)."
+            shown=0
+        fi
         percent=$((done * 100 / total))
         left=$(((elapsed * (total - done) / done + 59) / 60))
         if [[ -t 2 ]]; then
-            printf '\r%s: %d of %d (%d%%), %s min left ' "$label" "$done" "$total" "$percent" "$left" >&2
+            printf '\rBuilding: %d of %d (%d%%), %s min left ' "$done" "$total" "$percent" "$left" >&2
         elif ((percent / 10 > shown)); then
             shown=$((percent / 10))
-            say "$label: $done of $total ($percent%), $left min left"
+            say "Building: $done of $total ($percent%), $left min left"
         fi
     done
     [[ -t 2 ]] && printf '\r\033[K' >&2
@@ -74,7 +81,7 @@ show_progress() {
 # build PRESET [TARGET...]: configures where needed and brings the targets up to date. Silent when there is
 # nothing to do. Two builds of one preset wait for each other.
 build() {
-    local preset=$1 directory=$root/build/$1 steps minutes plan
+    local preset=$1 directory=$root/build/$1
     shift
     local log=$directory/build.log
     mkdir -p "$directory"
@@ -92,21 +99,10 @@ build() {
             fail "CMake could not configure the build; the whole output is in $log"
         fi
     fi
-    if ! ninja -C "$directory" build.ninja >"$log" 2>&1 </dev/null; then
-        tail -n 30 "$log" >&2
-        fail "CMake could not configure the build; the whole output is in $log"
-    fi
-    plan=$(ninja -C "$directory" -n "$@" 2>&1 </dev/null) || true
-    if [[ $plan != *"no work to do"* ]]; then
-        steps=$(grep -c '^\[' <<<"$plan" || true)
-        minutes=$(((steps * 4 / $(nproc) + 59) / 60))
-        say "Building build/$preset: $steps steps, about $minutes min on $(nproc) cores (output in $log)."
-        : >"$log"
-        if ! NINJA_STATUS='[%f/%t %e] ' ninja -C "$directory" "$@" 2>&1 </dev/null |
-            show_progress "$log" "Building"; then
-            grep -m1 -A 40 '^FAILED:' "$log" >&2 || tail -n 30 "$log" >&2
-            fail "The build failed; the whole output is in $log"
-        fi
+    : >"$log"
+    if ! NINJA_STATUS='[%f/%t %e] ' ninja -C "$directory" "$@" 2>&1 </dev/null | show_progress "$preset" "$log"; then
+        grep -m1 -A 40 '^FAILED: .*\.o ' "$log" >&2 || tail -n 40 "$log" >&2
+        fail "The build failed; the whole output is in $log"
     fi
     flock -u "$lock"
     exec {lock}>&-
