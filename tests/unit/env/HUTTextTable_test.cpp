@@ -118,6 +118,32 @@ TEST(TextTable, NewlinesMakeFurtherLinesAndControlCharactersAreShown) {
     EXPECT_EQ(table.getAsString(), "a  one\n   two\nb  x y\\x1B[31m\n");
 }
 
+TEST(TextTable, TheLastColumnGoesBelowItsRowWhenTheTableIsTooWide) {
+    HUTTextTable table(24);
+    table.setHeaders({"Name", "Value", "Description"});
+    table.addRow({"fanout", "16", "How many pins a net drives."});
+    table.addRow({"ref_name", "LUT6", ""});
+    table.addRow({"short"});
+    table.setFoldLastColumn(true);
+    EXPECT_EQ(table.getAsString(), "Name      Value\n"
+                                   "    Description\n"
+                                   "--------  -----\n"
+                                   "fanout    16\n"
+                                   "    How many pins a net\n"
+                                   "    drives.\n"
+                                   "ref_name  LUT6\n"
+                                   "short\n");
+    EXPECT_EQ(table.getAsString(false).find("---"), std::string::npos);
+}
+
+TEST(TextTable, TheLastColumnStaysBesideTheOthersWhenThereIsRoom) {
+    HUTTextTable table(24);
+    table.addRow({"fanout", "16", "Pins."});
+    const std::string beside = table.getAsString();
+    table.setFoldLastColumn(true);
+    EXPECT_EQ(table.getAsString(), beside);
+}
+
 TEST(TextTable, PrintWritesTheWholeTable) {
     HUTTextTable table;
     table.setHeaders({"A"});

@@ -197,7 +197,7 @@ TEST_F(HPAParamMgrTest, aRefusedValueChangesNothing) {
     EXPECT_THAT(error_of([&] { mgr.setBoolValue("a.count", true); }), HasSubstr("the type is 'int'"));
     EXPECT_THAT(error_of([&] { mgr.setFloatValue("a.count", 1); }), HasSubstr("the type is 'int'"));
     EXPECT_EQ(
-        error_of([&] { mgr.setValue("a.choice", "blue"); }),
+        error_of([&] { mgr.setStringValue("a.choice", "blue"); }),
         "ERROR: [Common 17-5204] 'blue' is not a value of the parameter 'a.choice'; its values are 'red', "
         "'green'.");
     EXPECT_THAT(error_of([&] { mgr.getValueAsInt(""); }), HasSubstr("named ''"));
@@ -225,12 +225,30 @@ TEST_F(HPAParamMgrTest, aLinkedParameterDrivesOthers) {
                 HasSubstr("[Common 17-1665] The parameter 'b.hidden' follows the reset and is now true."));
 }
 
-TEST_F(HPAParamMgrTest, anUnknownLinkedNameIsRefusedBeforeAnythingChanges) {
-    declare("test", "parameter a.b linked false links c.d \"Drives nothing.\"");
+TEST_F(HPAParamMgrTest, anUnknownLinkedNameIsToldAndWhatWasSetBeforeStaysSet) {
+    declare("test", "parameter a.b linked false links a.a C.D e.f z.z \"Drives some.\"\n"
+                    "parameter a.a bool false \"First.\" parameter c.d bool false \"Second.\"\n"
+                    "parameter z.z bool false \"Behind the one that is missing.\"");
     HPAParamMgr mgr({root});
-    EXPECT_THAT(error_of([&] { mgr.setBoolValue("a.b", true); }), HasSubstr("No parameter is named 'c.d'."));
-    EXPECT_FALSE(mgr.getValueAsBool("a.b"));
+    EXPECT_THAT(error_of([&] { mgr.setBoolValue("a.b", true); }), HasSubstr("No parameter is named 'e.f'."));
+    EXPECT_TRUE(mgr.getValueAsBool("a.b"));
+    EXPECT_TRUE(mgr.getValueAsBool("a.a"));
+    EXPECT_TRUE(mgr.getValueAsBool("c.d")) << "found without regard to case";
+    EXPECT_FALSE(mgr.getValueAsBool("z.z"));
     mgr.reset("a.b");
+    EXPECT_FALSE(mgr.getValueAsBool("a.a"));
+}
+
+TEST_F(HPAParamMgrTest, aTextParameterTakesAnyTextFromTheUser) {
+    HPAParamMgr mgr({root});
+    mgr.setValue("a.choice", "blue");
+    EXPECT_EQ(mgr.getValueAsString("a.choice"), "blue");
+}
+
+TEST_F(HPAParamMgrTest, aNumberIsComparedWithTheRangeAsItWasWritten) {
+    HPAParamMgr mgr({root});
+    EXPECT_THAT(error_of([&] { mgr.setValue("a.ratio", "1.00000001"); }), HasSubstr("[Common 17-154]"));
+    EXPECT_EQ(mgr.getValueAsDouble("a.ratio"), 0.5);
 }
 
 TEST_F(HPAParamMgrTest, readersOfAnotherTypeGetTheNearestSense) {

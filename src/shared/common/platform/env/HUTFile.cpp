@@ -176,3 +176,17 @@ void HUTFile::write_atomically(const std::string& path, std::string_view bytes) 
     if (parent && ::fsync(parent.get()) != 0 && errno == EIO)
         throw_system_error(errno, cannot_write, path);
 }
+
+void HUTFile::append(const std::string& path, std::string_view bytes) {
+    require_plain_path(path, cannot_write);
+    const file_descriptor out = open_file(path, O_WRONLY | O_CREAT | O_APPEND, 0666);
+    struct stat before;
+    if (!out || ::fstat(out.get(), &before) != 0)
+        throw_system_error(errno, cannot_write, path);
+    if (env_detail::write_all(out.get(), bytes) == bytes.size())
+        return;
+    const int reason = errno;
+    if (S_ISREG(before.st_mode) && ::ftruncate(out.get(), before.st_size) != 0)
+        throw_system_error(errno, "cannot take back what was added to", path);
+    throw_system_error(reason, cannot_write, path);
+}

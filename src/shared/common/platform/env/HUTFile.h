@@ -20,4 +20,8 @@ public:
     /// existing file is kept; a symbolic link is followed, not replaced; a device or pipe is written
     /// directly. Throws std::system_error, and then the old content stands and no temporary is left.
     static void write_atomically(const std::string& path, std::string_view bytes);
+
+    /// Adds `bytes` at the end of the file, which is made if it does not exist. Throws std::system_error, and
+    /// then what the file held before stands alone again.
+    static void append(const std::string& path, std::string_view bytes);
 };

@@ -12,6 +12,7 @@ using env_detail::utf8_at;
 namespace {
 
 constexpr size_t gap = 2;
+constexpr size_t indent = 4;    // of a column that stands below its row
 constexpr size_t narrowest = 8; // a wrapped column narrower than this cannot be read
 
 // The cell's lines with control characters made visible.
@@ -80,6 +81,13 @@ row_lines row_of(const std::vector<std::string>& cells, std::vector<size_t>& wid
     return row;
 }
 
+size_t total_width(const std::vector<size_t>& widths) {
+    size_t sum = gap * (widths.size() - 1);
+    for (const size_t w : widths)
+        sum += w;
+    return sum;
+}
+
 // Lowers the widest columns to one common width, so that all fit, as far as they stay readable.
 void fit(std::vector<size_t>& widths, size_t limit) {
     const size_t gaps = gap * (widths.size() - 1);
@@ -130,6 +138,9 @@ std::string HUTTextTable::getAsString(bool separator) const {
     rows.reserve(rows_.size());
     for (const auto& row : rows_)
         rows.push_back(row_of(row, widths));
+    const bool folded = foldLast_ && columns > 1 && width_ > 0 && total_width(widths) > width_;
+    if (folded)
+        widths.pop_back();
     if (width_ > 0)
         fit(widths, width_);
 
@@ -140,15 +151,16 @@ std::string HUTTextTable::getAsString(bool separator) const {
         out += '\n';
     };
     auto add_row = [&](const row_lines& row) {
-        row_lines pieces(row.size());
+        const size_t beside = std::min(row.size(), widths.size());
+        row_lines pieces(beside);
         size_t height = 1;
-        for (size_t i = 0; i < row.size(); ++i) {
+        for (size_t i = 0; i < beside; ++i) {
             for (const std::string& line : row[i])
                 wrap(line, std::max<size_t>(widths[i], 1), pieces[i]);
             height = std::max(height, pieces[i].size());
         }
         for (size_t k = 0; k < height; ++k) {
-            for (size_t i = 0; i < row.size(); ++i) {
+            for (size_t i = 0; i < beside; ++i) {
                 const std::string_view piece = k < pieces[i].size() ? std::string_view(pieces[i][k]) : "";
                 const size_t used = HSTStringUtils::display_width(piece);
                 const size_t pad = widths[i] > used ? widths[i] - used : 0;
@@ -159,11 +171,20 @@ std::string HUTTextTable::getAsString(bool separator) const {
             }
             end_line();
         }
+        if (row.size() <= beside || row.back() == cell_lines{""})
+            return;
+        cell_lines below;
+        for (const std::string& line : row.back())
+            wrap(line, std::max(width_ - std::min(width_, indent), narrowest), below);
+        for (const std::string& line : below) {
+            out.append(indent, ' ').append(line);
+            end_line();
+        }
     };
     if (!headers_.empty()) {
         add_row(header);
         if (separator) {
-            for (size_t i = 0; i < columns; ++i) {
+            for (size_t i = 0; i < widths.size(); ++i) {
                 out.append(i > 0 ? gap : 0, ' ');
                 out.append(widths[i], '-');
             }

@@ -31,6 +31,16 @@ public:
 
     void setWidth(size_t width) { width_ = width; }
 
+    /// Lets the last column, a longer text, go below its row, indented, when the table would be wider than
+    /// its limit otherwise:
+    ///
+    ///     Name                Value
+    ///         Description
+    ///     ------------------  -----
+    ///     general.maxThreads      8
+    ///         Most threads that a command runs at the same time.
+    void setFoldLastColumn(bool fold) { foldLast_ = fold; }
+
     /// Rows may be shorter or longer than the headers; what is missing is blank.
     void addRow(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
 
@@ -45,6 +55,7 @@ public:
 
 private:
     size_t width_;
+    bool foldLast_ = false;
     std::vector<std::string> headers_;
     std::vector<Align> align_;
     std::vector<std::vector<std::string>> rows_;

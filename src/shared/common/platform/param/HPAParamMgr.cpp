@@ -17,6 +17,7 @@
 #include "platform/msg/DataFileScanner.h"
 #include "platform/msg/HEX.h"
 #include "platform/param/HPAParamFile.h"
+#include "platform/param/HPAParamHelper.h"
 #include "platform/param/HPAParamText.h"
 
 namespace {
@@ -297,17 +298,6 @@ namespace {
     raise("@17-152@%s\n", expected);
 }
 
-void check_range(const HPAParam& param, int value) {
-    if (param.has_range() && (value < param.int_min() || value > param.int_max()))
-        raise("@17-154@%s%s\n", std::to_string(param.int_min()), std::to_string(param.int_max()));
-}
-
-void check_range(const HPAParam& param, float value) {
-    if (param.has_range() && (value < param.float_min() || value > param.float_max()))
-        raise("@17-154@%s%s\n", hpa_param_text::from_float(param.float_min()),
-              hpa_param_text::from_float(param.float_max()));
-}
-
 void check_listed(const HPAParam& param, const std::string& value) {
     const auto& values = param.values();
     if (values.empty() || std::find(values.begin(), values.end(), value) != values.end())
@@ -331,17 +321,18 @@ void HPAParamMgr::setBoolValue(std::string_view name, bool value) {
 void HPAParamMgr::setBool(HPAParam& param, bool value) {
     if (!is_boolean(param))
         raise_wrong_type(param.type() == HPA_INT ? "int" : param.type() == HPA_FLOAT ? "float" : "string");
-    // All names are looked up before the first value changes.
-    std::vector<std::pair<HPAParam*, bool>> linked;
-    for (auto it = param.linked_begin(); it != param.linked_end(); ++it)
-        linked.emplace_back(&require(it->first), it->second == value);
     param.set_bool(value);
     changed(param);
-    for (const auto& [other, itsValue] : linked) {
+    for (auto it = param.linked_begin(); it != param.linked_end(); ++it) {
+        HPAParam* exact = findParam(it->first);
+        HPAParam* other = exact ? exact : findParamNoCase(it->first);
+        if (!other)
+            raise("@17-153@%s\n", it->first);
+        const bool itsValue = it->second == value;
         other->set_bool(itsValue);
         changed(*other);
         if (other->visible)
-            ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_INFO, "@17-1664@%s%s\n", other->name,
+            ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_INFO, "@17-1664@%s%s", other->name,
                                itsValue ? "true" : "false");
     }
 }
@@ -352,7 +343,7 @@ void HPAParamMgr::setIntValue(std::string_view name, int value) {
         return setFloatValue(name, value);
     if (param.type() != HPA_INT)
         raise_wrong_type(is_boolean(param) ? "bool" : "string");
-    check_range(param, value);
+    param_helper::check_int_range(param, value);
     param.set_int(value);
     changed(param);
 }
@@ -361,14 +352,15 @@ void HPAParamMgr::setFloatValue(std::string_view name, double value) {
     HPAParam& param = require(name);
     if (param.type() != HPA_FLOAT)
         raise_wrong_type(is_boolean(param) ? "bool" : param.type() == HPA_INT ? "int" : "string");
-    const auto narrowed = static_cast<float>(value);
-    check_range(param, narrowed);
-    param.set_float(narrowed);
+    param_helper::check_float_range(param, value);
+    param.set_float(static_cast<float>(value));
     changed(param);
 }
 
 void HPAParamMgr::setStringValue(std::string_view name, const std::string& value) {
-    setValue(require(name), value);
+    HPAParam& param = require(name);
+    check_listed(param, value);
+    setValue(param, value);
 }
 
 void HPAParamMgr::setValue(std::string_view name, std::string_view text) {
@@ -379,33 +371,30 @@ void HPAParamMgr::setValue(HPAParam& param, std::string_view text) {
     switch (param.type()) {
     case HPA_BOOL:
     case HPA_LINKED: {
-        const auto value = hpa_param_text::to_bool(text);
-        if (!value)
+        bool value = false;
+        if (!param_helper::to_bool(text, value))
             raise_wrong_type("bool");
-        return setBool(param, *value);
+        return setBool(param, value);
     }
     case HPA_INT: {
         const auto value = hpa_param_text::to_int(text);
         if (!value)
             raise_wrong_type("int");
-        check_range(param, *value);
+        param_helper::check_int_range(param, *value);
         param.set_int(*value);
         break;
     }
     case HPA_FLOAT: {
-        const auto value = hpa_param_text::to_float(text);
+        const auto value = hpa_param_text::to_number(text);
         if (!value)
             raise_wrong_type("float");
-        check_range(param, *value);
-        param.set_float(*value);
+        param_helper::check_float_range(param, *value);
+        param.set_float(static_cast<float>(*value));
         break;
     }
-    case HPA_STRING: {
-        const std::string value(text);
-        check_listed(param, value);
-        param.set_string(value);
+    case HPA_STRING:
+        param.set_string(std::string(text));
         break;
-    }
     }
     changed(param);
 }
@@ -421,7 +410,7 @@ void HPAParamMgr::reset(std::string_view name) {
         const bool value = it->second == param.bool_value();
         other->set_bool(value);
         changed(*other);
-        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_INFO, "@17-1665@%s%s\n", other->name,
+        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_INFO, "@17-1665@%s%s", other->name,
                            value ? "true" : "false");
     }
 }

@@ -49,12 +49,14 @@ public:
 
     /// Set a value by name. Throw HEXError for an unknown name, a value outside the range or the list of
     /// values, or a parameter of another type; nothing is changed then. A linked parameter takes those with
-    /// it that it drives.
+    /// it that it drives, in order of name; if one of them does not exist, HEXError is thrown when its turn
+    /// comes, and what was set before stays set.
     void setBoolValue(std::string_view name, bool value);
     void setIntValue(std::string_view name, int value);
     void setFloatValue(std::string_view name, double value);
     void setStringValue(std::string_view name, const std::string& value);
-    /// Sets a value from its text form: a bool is yes, true, no, false (case does not matter), 1 or 0.
+    /// Sets a value from its text form: a bool is yes, true, no, false (case does not matter), 1 or 0. A text
+    /// parameter takes any text: its list of values is what the tool knows of, not a bar to the user.
     void setValue(std::string_view name, std::string_view text);
     void setValue(HPAParam& param, std::string_view text);
     /// Back to the default, with the linked parameters. Throws HEXError for an unknown name.

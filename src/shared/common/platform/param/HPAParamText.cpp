@@ -44,7 +44,7 @@ std::optional<int> to_int(std::string_view text) {
                                      : static_cast<long long>(magnitude));
 }
 
-std::optional<float> to_float(std::string_view text) {
+std::optional<double> to_number(std::string_view text) {
     if (text.starts_with('+'))
         text.remove_prefix(1);
     double value = 0;
@@ -52,7 +52,12 @@ std::optional<float> to_float(std::string_view text) {
     if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value) ||
         std::abs(value) > std::numeric_limits<float>::max())
         return std::nullopt;
-    return static_cast<float>(value);
+    return value;
+}
+
+std::optional<float> to_float(std::string_view text) {
+    const auto value = to_number(text);
+    return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
 }
 
 std::string from_float(float value) {

@@ -11,7 +11,8 @@ namespace hpa_param_text {
 std::optional<bool> to_bool(std::string_view text);
 /// A whole number, decimal or hexadecimal with 0x, with an optional sign.
 std::optional<int> to_int(std::string_view text);
-/// A finite number.
+/// A finite number that a float can hold, as exactly as it was written; and the float nearest to it.
+std::optional<double> to_number(std::string_view text);
 std::optional<float> to_float(std::string_view text);
 /// The shortest text that gives the same number again.
 std::string from_float(float value);

@@ -9,6 +9,7 @@
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/builtin/HTCBuiltinInit.h"
+#include "tcltasks/param/HTCParamInit.h"
 #include "tcltasks/utils/HTCUtilsInit.h"
 
 namespace {
@@ -29,6 +30,8 @@ const unit units[] = {
     {HTCBuiltinInit::HTCLindex::init, HTCBuiltinInit::HTCLindex::uninit},
     {HTCBuiltinInit::HTCLlength::init, HTCBuiltinInit::HTCLlength::uninit},
     {HTCBuiltinInit::HTCLsearch::init, HTCBuiltinInit::HTCLsearch::uninit},
+    {HTCParamInit::param_cmds::init, HTCParamInit::param_cmds::uninit},
+    {HTCParamInit::HTCResetParam::init, HTCParamInit::HTCResetParam::uninit},
     {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
     {HTCUtilsInit::HTCCheckEnv::init, HTCUtilsInit::HTCCheckEnv::uninit},
     {HTCUtilsInit::HTCLoadFeature::init, HTCUtilsInit::HTCLoadFeature::uninit},
