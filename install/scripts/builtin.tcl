@@ -17,15 +17,6 @@ proc ::omu::import {script} {
     }
 }
 
-# Imports a command into the global namespace. Before an import Tcl reads the indexes of all its packages, which
-# is slow and needs commands that are just being replaced: it is kept from doing so.
-proc ::omu::import_globally {command} {
-    set indexed [expr {[namespace which ::auto_import] ne ""}]
-    if {$indexed} {rename ::auto_import ::tcl::auto_import}
-    namespace eval :: [list namespace import $command]
-    if {$indexed} {rename ::tcl::auto_import ::auto_import}
-}
-
 # Imports the commands that common:: has by now into the global namespace. A name that is taken there stays
 # what it is. To be called again by what adds commands later.
 proc ::omu::publish {} {
