@@ -2,10 +2,29 @@
 
 #include "platform/tcl/HTCTclUtils.h"
 #include "tcltasks/builtin/HTCBuiltinCmds.h"
+#include "tcltasks/core/task.h"
+
+using vek::tcltasks::task_entry;
+
+namespace source {
+extern const task_entry entry;
+}
+namespace echo {
+extern const task_entry entry;
+}
+namespace command_translated {
+extern const task_entry entry;
+}
 
 namespace HTCBuiltinInit {
 
 namespace {
+
+const task_entry* const source_tasks[] = {
+    &source::entry,
+    &echo::entry,
+    &command_translated::entry,
+};
 
 // The client data of each command is the name of the command that it stands beside.
 void add(Tcl_Interp* interp, const char* name, Tcl_ObjCmdProc* command, const char* tail) {
@@ -18,6 +37,14 @@ void add(Tcl_Interp* interp, const char* name, Tcl_ObjCmdProc* command, Tcl_ObjC
 }
 
 } // namespace
+
+void source_cmds::init(Tcl_Interp* interp) {
+    add_tasks(source_tasks, interp);
+}
+
+void source_cmds::uninit() {
+    remove_tasks(source_tasks);
+}
 
 void HTCCatch::init(Tcl_Interp* interp) {
     add(interp, "omu::catch", Omu_CatchObjCmd, Omu_CatchNRCmd, "catch");

@@ -10,6 +10,10 @@ struct object_commands {
     static void uninit() {}
 };
 
+struct source_cmds {
+    static void init(Tcl_Interp* interp);
+    static void uninit();
+};
 struct HTCCatch : object_commands {
     static void init(Tcl_Interp* interp);
 };

@@ -1,0 +1,180 @@
+#include "Shell.h"
+
+#include <string_view>
+#include <unistd.h>
+
+#include "platform/env/HSTStringUtils.h"
+#include "platform/env/HUTEnv.h"
+#include "platform/msg/ComMsgMgr.h"
+#include "platform/taskcore/task_manager.h"
+#include "platform/tcl/HTCTclEncoding.h"
+#include "platform/tcl/tclobj_ref.h"
+
+using vek::tcltasks::task_manager;
+using vek::tcltasks::tclobj_ref;
+
+namespace {
+
+Shell* running = nullptr; // the one whose line an interrupt breaks off
+
+std::string resultText(Tcl_Interp* interp) {
+    return HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp));
+}
+
+void write(const std::string& text) {
+    if (Tcl_Channel out = Tcl_GetStdChannel(TCL_STDOUT)) {
+        Tcl_WriteChars(out, text.data(), static_cast<int>(text.size()));
+        Tcl_Flush(out);
+    }
+}
+
+// A command of the tool's own inner workings is not the user's.
+bool isRecorded(std::string_view command) {
+    command = HSTStringUtils::trim(command);
+    return !command.empty() && !command.starts_with("omu::") && !command.starts_with("::omu::");
+}
+
+} // namespace
+
+Shell::Shell(Tcl_Interp* interp) : m_interp(interp), m_terminal(::isatty(STDIN_FILENO) == 1) {
+    Tcl_SetVar2(interp, "tcl_interactive", nullptr, m_terminal ? "1" : "0", TCL_GLOBAL_ONLY);
+    running = this;
+    task_manager::setIdleInterruptHandler([] {
+        if (running) {
+            running->freshLine();
+        }
+    });
+}
+
+Shell::~Shell() {
+    watchInput(false);
+    running = nullptr;
+}
+
+void Shell::run() {
+    prompt();
+    for (;;) {
+        switch (readLine()) {
+        case Input::none:
+            waitForInput();
+            break;
+        case Input::end:
+            if (m_terminal) {
+                write("\n");
+            }
+            return;
+        case Input::line:
+            if (Tcl_CommandComplete(m_command.c_str())) {
+                evaluate();
+                while (Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT)) {
+                }
+            }
+            prompt();
+        }
+    }
+}
+
+// A command may run the event loop itself; the input must not wake it up then.
+void Shell::watchInput(bool on) {
+    if (on == m_watching) {
+        return;
+    }
+    m_watching = on;
+    const auto readable = [](ClientData shell, int) { static_cast<Shell*>(shell)->m_readable = true; };
+    if (Tcl_Channel in = Tcl_GetStdChannel(TCL_STDIN)) {
+        if (on) {
+            Tcl_CreateChannelHandler(in, TCL_READABLE, readable, this);
+        } else {
+            Tcl_DeleteChannelHandler(in, readable, this);
+        }
+    }
+}
+
+void Shell::waitForInput() {
+    m_readable = false;
+    watchInput(true);
+    while (!m_readable) {
+        Tcl_DoOneEvent(TCL_ALL_EVENTS);
+    }
+    watchInput(false);
+}
+
+// Adds a line of the input to the command. A pipe that holds half a line must not block the event loop, so it
+// is read without blocking; a terminal always gives whole lines, and its mode would be shared with the output.
+Shell::Input Shell::readLine() {
+    Tcl_Channel in = Tcl_GetStdChannel(TCL_STDIN);
+    if (!in) {
+        return Input::end;
+    }
+    if (m_terminal && !m_readable && Tcl_InputBuffered(in) == 0) {
+        return Input::none;
+    }
+    m_readable = false;
+    if (!m_terminal) {
+        Tcl_SetChannelOption(nullptr, in, "-blocking", "0");
+    }
+    const tclobj_ref line(Tcl_NewObj());
+    const int length = Tcl_GetsObj(in, line.get());
+    const bool blocked = Tcl_InputBlocked(in);
+    const bool ended = Tcl_Eof(in);
+    if (!m_terminal) {
+        Tcl_SetChannelOption(nullptr, in, "-blocking", "1");
+    }
+    if (length < 0) {
+        return blocked && !ended ? Input::none : Input::end;
+    }
+    m_command.append(Tcl_GetString(line.get()), static_cast<size_t>(line->length));
+    m_command += '\n';
+    return Input::line;
+}
+
+void Shell::evaluate() {
+    const tclobj_ref command(Tcl_NewStringObj(m_command.data(), static_cast<int>(m_command.size()) - 1));
+    m_command.clear();
+    const std::string text = HTCTclEncoding::tclGetString(command.get());
+    const task_manager::top_level scope(text);
+    if (isRecorded(text)) {
+        ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_USER_COMMAND, text + "\n");
+    }
+    const int code = m_terminal ? Tcl_RecordAndEvalObj(m_interp, command.get(), TCL_EVAL_GLOBAL)
+                                : Tcl_EvalObjEx(m_interp, command.get(), TCL_EVAL_GLOBAL);
+    if (code != TCL_OK) {
+        const std::string error = resultText(m_interp);
+        Tcl_ResetResult(m_interp);
+        task_manager::write_error_result(error, 0);
+    } else if (m_terminal) {
+        showResult();
+    }
+}
+
+void Shell::showResult() {
+    if (const std::string text = resultText(m_interp); !text.empty()) {
+        ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_LINE, text + "\n");
+    }
+}
+
+// Tcl's variables tcl_prompt1 and tcl_prompt2 hold scripts that write prompts of the user's own.
+void Shell::prompt() {
+    if (!m_terminal) {
+        return;
+    }
+    const bool continued = !m_command.empty();
+    Tcl_Obj* script =
+        Tcl_GetVar2Ex(m_interp, continued ? "tcl_prompt2" : "tcl_prompt1", nullptr, TCL_GLOBAL_ONLY);
+    if (script && Tcl_EvalObjEx(m_interp, script, TCL_EVAL_GLOBAL) == TCL_OK) {
+        write("");
+        return;
+    }
+    if (script) {
+        task_manager::write_error_result(resultText(m_interp), 0);
+    }
+    write(continued ? std::string("> ") : HUTEnv::getProductName() + "% ");
+}
+
+void Shell::freshLine() {
+    m_command.clear();
+    if (m_terminal) {
+        write("\n");
+        prompt();
+    }
+}

@@ -1,0 +1,186 @@
+#include "tcltasks/builtin/detail/tracer.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "platform/msg/ComMsgMgr.h"
+#include "platform/param/HPAParamMgr.h"
+#include "platform/tcl/HTCTclEncoding.h"
+#include "platform/tcl/tcl_guard.h"
+#include "platform/tcl/tclobj_ref.h"
+#include "tcltasks/builtin/detail/translated.h"
+
+namespace HTCBuiltin::detail {
+
+using vek::tcltasks::tclobj_ref;
+
+namespace {
+
+// The number of frames on the interpreter's stack, this evaluation's own included. Nothing if it cannot be
+// told.
+std::optional<int> frame_depth(Tcl_Interp* interp) {
+    int depth = 0;
+    if (Tcl_Eval(interp, "::info frame") == TCL_OK &&
+        Tcl_GetIntFromObj(nullptr, Tcl_GetObjResult(interp), &depth) == TCL_OK) {
+        return depth;
+    }
+    return std::nullopt;
+}
+
+bool is_unknown(Tcl_Interp* interp, Tcl_Command command) {
+    static const tclobj_ref& name = *new tclobj_ref(Tcl_NewStringObj("::unknown", -1));
+    static const Tcl_Command unknown = Tcl_GetCommandFromObj(interp, name.get());
+    return command == unknown;
+}
+
+bool is_name_character(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ',';
+}
+
+size_t name_end(std::string_view text, size_t at) {
+    while (at < text.size() && is_name_character(text[at])) {
+        ++at;
+    }
+    return at;
+}
+
+// What a command with a translation is called: "vek::NAME" and its subcommand, as one finds them with
+// (vek::[a-z,A-Z,0-9]+)[ \t]*([a-z,A-Z,0-9]+), else the first word of letters, digits and underscores.
+std::pair<std::string, std::string> translated_name(std::string_view text) {
+    constexpr std::string_view space = "vek::";
+    for (size_t at = text.find(space); at != text.npos; at = text.find(space, at + 1)) {
+        const size_t first = at + space.size();
+        const size_t behind = name_end(text, first);
+        const size_t next = std::min(text.find_first_not_of(" \t", behind), text.size());
+        if (behind > first && next < text.size() && is_name_character(text[next])) {
+            return {std::string(text.substr(at, behind - at)),
+                    std::string(text.substr(next, name_end(text, next) - next))};
+        }
+        if (behind > first + 1) {
+            // Nothing follows: the pattern takes the name's last letter for the subcommand.
+            return {std::string(text.substr(at, behind - 1 - at)), std::string(1, text[behind - 1])};
+        }
+    }
+    const auto in_word = [](char c) { return is_name_character(c) || c == '_'; };
+    const auto first = std::find_if(text.begin(), text.end(), in_word);
+    return {std::string(first, std::find_if_not(first, text.end(), in_word)), ""};
+}
+
+// Tells that the script uses a command which is carried out by another.
+void report_translation(const std::string& text) {
+    static bool first_msg = true, first_vek_msg = true;
+
+    auto [name, sub] = translated_name(text);
+    if (!sub.empty()) {
+        name += ' ';
+    }
+    const bool vek = name.starts_with("vek::");
+    const auto warning = ComMsgMgr::MSGTYPE_WARNING;
+    if (vek && first_vek_msg) {
+        ComMsgMgr::sendMsg("common", warning, "@17-720@");
+        first_vek_msg = false;
+    } else if (!vek && first_msg) {
+        ComMsgMgr::sendMsg("common", warning, "@17-721@");
+        first_msg = false;
+    }
+    if (vek) {
+        ComMsgMgr::sendMsg("common", warning, "@17-719@%s", name + sub);
+    } else {
+        ComMsgMgr::sendMsg("common", warning, "@17-718@%s", name + sub);
+    }
+}
+
+void report_command(Tcl_Interp* interp, int level, const char* command, Tcl_Command token) {
+    tracer_state& state = tracer();
+    if (level == state.level + 1 && !state.traceAll && !is_unknown(interp, token)) {
+        return;
+    }
+    std::string text = HTCTclEncoding::fromTcl(command);
+    constexpr std::string_view prefix = "::unknown ";
+    if (text.starts_with(prefix)) {
+        text.erase(0, prefix.size());
+    }
+    const int frame = frame_depth(interp).value_or(0);
+    state.writeCmdText = false;
+    if (level + 1 < frame && !state.traceAll) {
+        return;
+    }
+    if (!command_has_translation(text)) {
+        ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_TRACED_COMMAND,
+                                 format_command(state.indentLevel, text));
+        return;
+    }
+    report_translation(text);
+    state.writeCmdText = true;
+}
+
+int trace_commands(ClientData, Tcl_Interp* interp, int level, const char* command, Tcl_Command token, int,
+                   Tcl_Obj* const*) {
+    vek::tcltasks::tcl_guard(nullptr, [&] {
+        report_command(interp, level, command, token);
+        return TCL_OK;
+    });
+    return TCL_OK;
+}
+
+void start_trace(Tcl_Interp* interp) {
+    tracer_state& state = tracer();
+    const bool inlined = HPAParamMgr::getParamMgr().getValueAsBool("tcl.allowInlineCompilation");
+    state.trace = Tcl_CreateObjTrace(interp, state.level + 1, inlined ? TCL_ALLOW_INLINE_COMPILATION : 0,
+                                     trace_commands, nullptr, nullptr);
+}
+
+} // namespace
+
+tracer_state& tracer() {
+    static tracer_state& state = *new tracer_state;
+    return state;
+}
+
+void push_tracer(Tcl_Interp* interp) {
+    tracer_state& state = tracer();
+    if (state.level > 0) {
+        Tcl_DeleteTrace(interp, state.trace);
+        state.outer.push_back(state.level);
+    }
+    state.level = frame_depth(interp).value_or(state.level);
+    Tcl_ResetResult(interp);
+    ++state.indentLevel;
+    start_trace(interp);
+}
+
+void pop_tracer(Tcl_Interp* interp) {
+    tracer_state& state = tracer();
+    if (state.level == 0) {
+        return;
+    }
+    --state.indentLevel;
+    Tcl_DeleteTrace(interp, state.trace);
+    if (state.outer.empty()) {
+        state.level = 0;
+        return;
+    }
+    state.level = state.outer.back();
+    state.outer.pop_back();
+    start_trace(interp);
+}
+
+std::string format_command(int indent, const std::string& text) {
+    const std::string prefix = indent > 0 ? std::string(static_cast<size_t>(indent), '#') + ' ' : "";
+    std::string formatted = prefix;
+    formatted.reserve(text.size() + prefix.size() + 1);
+    for (size_t i = 0; i < text.size(); ++i) {
+        formatted += text[i];
+        if (text[i] == '\n' && i + 1 < text.size()) {
+            formatted += prefix;
+        }
+    }
+    if (formatted.empty() || formatted.back() != '\n') {
+        formatted += '\n';
+    }
+    return formatted;
+}
+
+} // namespace HTCBuiltin::detail

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <tcl.h>
+#include <vector>
+
+/// The trace that takes the commands of sourced files to console and log, each behind as many hash signs as
+/// files are being sourced. There is one for the process, on the main interpreter: interpreter's thread only.
+namespace HTCBuiltin::detail {
+
+struct tracer_state {
+    bool traceAll = false;     ///< also commands that the file's own commands run
+    bool isSourcing = false;   ///< some file is being sourced
+    bool writeCmdText = false; ///< the command traced last has a translation
+    bool noTrace = false;      ///< an untraced file is being sourced; what it sources is untraced too
+    int indentLevel = 0;       ///< depth of traced sourcing
+    int level = 0;             ///< the frame depth at which the active trace watches; 0 for no trace
+    std::vector<int> outer;    ///< the levels of the traces that the active one stands in for
+    Tcl_Trace trace = nullptr; ///< the active trace
+};
+tracer_state& tracer();
+
+/// Starts to trace a file that is about to be sourced; the trace of an outer file rests meanwhile.
+void push_tracer(Tcl_Interp* interp);
+/// Ends the active trace and takes up the outer one again.
+void pop_tracer(Tcl_Interp* interp);
+
+/// The text of a command behind `indent` hash signs on each of its lines, with a line end.
+std::string format_command(int indent, const std::string& text);
+
+} // namespace HTCBuiltin::detail
