@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace design {
+
+/// What kind of refusal an Error is; each kind has one message of the subsystem "design".
+enum class Fault : uint8_t {
+    unreadable_file,
+    malformed_netlist,
+    no_top,
+    bad_hierarchy,
+    dead_object,
+    no_such_property,
+    bad_property_value,
+    read_only_property,
+    bad_property,
+    bad_pattern,
+    bad_filter,
+    unwritable_file,
+    no_such_object,
+    bad_query,
+    no_design,
+};
+
+/// Every refusal of the netlist database. what() is a full sentence that names the offending value.
+class Error : public std::runtime_error {
+public:
+    Error(Fault fault, const std::string& text) : std::runtime_error(text), fault_(fault) {}
+
+    Fault fault() const noexcept { return fault_; }
+
+private:
+    Fault fault_;
+};
+
+/// A netlist file whose content is refused. The byte offset counts from 0 and the line from 1, both in the
+/// text as it is after decompression.
+class NetlistError : public Error {
+public:
+    NetlistError(const std::string& text, uint64_t offset, uint64_t line)
+        : Error(Fault::malformed_netlist, text), offset_(offset), line_(line) {}
+
+    uint64_t offset() const noexcept { return offset_; }
+    uint64_t line() const noexcept { return line_; }
+
+private:
+    uint64_t offset_;
+    uint64_t line_;
+};
+
+} // namespace design
