@@ -11,8 +11,8 @@ check "what a script prints is shown" shows_once "all is well"
 printf 'puts before\nerror "the pump is dry"\nputs after\n' >bad.tcl
 batch -source bad.tcl -source good.tcl
 check "a script error ends with 1" status_is 1
-check "the error is shown once" shows_once "the pump is dry"
-check "the error stands in the log once" test "$(grep -c 'the pump is dry' corvane.log)" = 1
+check "the error is shown once" shows_line_once "the pump is dry"
+check "the error stands in the log once" test "$(grep -cx 'the pump is dry' corvane.log)" = 1
 check "nothing behind the error runs" shows_not "after"
 check "no further script runs" shows_not "all is well"
 

@@ -41,7 +41,8 @@ check() {
 status_is() { [[ $status == "$1" ]]; }
 shows() { [[ $out$'\n'$err == *"$1"* ]]; }
 shows_not() { ! shows "$1"; }
-shows_once() { [[ $(grep -cF -- "$1" "$scratch/out" "$scratch/err" | awk -F: '{n += $NF} END {print n}') == 1 ]]; }
+shows_once() { [[ $(cat "$scratch/out" "$scratch/err" | grep -cF -- "$1") == 1 ]]; }
+shows_line_once() { [[ $(cat "$scratch/out" "$scratch/err" | grep -cxF -- "$1") == 1 ]]; }
 prints() { [[ $out == "$1" ]]; }
 matches() { [[ $out =~ $1 ]]; }
 is_empty() { [[ -d $1 && -z $(ls -A -- "$1") ]]; }
