@@ -9,6 +9,8 @@
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/builtin/HTCBuiltinInit.h"
+#include "tcltasks/builtin/history/history_cmds.h"
+#include "tcltasks/command/HTCCommandInit.h"
 #include "tcltasks/driver/HTCDriverInit.h"
 #include "tcltasks/param/HTCParamInit.h"
 #include "tcltasks/utils/HTCUtilsInit.h"
@@ -24,6 +26,7 @@ struct unit {
 
 // The order in which units come up is also the order in which they go: the teardown walks forward.
 const unit units[] = {
+    {HTCBuiltinInit::history_cmds::init, HTCBuiltinInit::history_cmds::uninit},
     {HTCBuiltinInit::source_cmds::init, HTCBuiltinInit::source_cmds::uninit},
     {HTCBuiltinInit::HTCCatch::init, HTCBuiltinInit::HTCCatch::uninit},
     {HTCBuiltinInit::HTCForeach::init, HTCBuiltinInit::HTCForeach::uninit},
@@ -32,6 +35,7 @@ const unit units[] = {
     {HTCBuiltinInit::HTCLindex::init, HTCBuiltinInit::HTCLindex::uninit},
     {HTCBuiltinInit::HTCLlength::init, HTCBuiltinInit::HTCLlength::uninit},
     {HTCBuiltinInit::HTCLsearch::init, HTCBuiltinInit::HTCLsearch::uninit},
+    {HTCCommandInit::command_cmds::init, HTCCommandInit::command_cmds::uninit},
     {HTCDriverInit::HTCDriver::init, HTCDriverInit::HTCDriver::uninit},
     {HTCParamInit::param_cmds::init, HTCParamInit::param_cmds::uninit},
     {HTCParamInit::HTCResetParam::init, HTCParamInit::HTCResetParam::uninit},
