@@ -115,10 +115,10 @@ int HTCBuiltinUtils::call_plain(plain_command command, Tcl_Interp* interp, int o
         // Called without an evaluation of its own: errors then speak of the command that the script wrote.
         return plain.objProc(plain.objClientData, interp, objc, objv);
     }
-    const vek::tcltasks::tclobj_ref call(Tcl_NewListObj(objc, objv));
-    Tcl_Obj* const word = name;
-    Tcl_ListObjReplace(nullptr, call.get(), 0, 1, 1, &word);
-    return Tcl_EvalObjEx(interp, call.get(), 0);
+    // Not for Tcl's search for unknown commands, which is written with these very commands.
+    Tcl_SetObjResult(interp, Tcl_ObjPrintf("invalid command name \"%s\"", Tcl_GetString(name)));
+    Tcl_SetErrorCode(interp, "TCL", "LOOKUP", "COMMAND", Tcl_GetString(name), nullptr);
+    return TCL_ERROR;
 }
 
 int HTCBuiltinUtils::report_exception(const char* unknown) noexcept {
