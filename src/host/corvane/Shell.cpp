@@ -28,12 +28,6 @@ void write(const std::string& text) {
     }
 }
 
-// A command of the tool's own inner workings is not the user's.
-bool isRecorded(std::string_view command) {
-    command = HSTStringUtils::trim(command);
-    return !command.empty() && !command.starts_with("omu::") && !command.starts_with("::omu::");
-}
-
 } // namespace
 
 Shell::Shell(Tcl_Interp* interp) : m_interp(interp), m_terminal(::isatty(STDIN_FILENO) == 1) {
@@ -100,7 +94,8 @@ void Shell::waitForInput() {
 }
 
 // Adds a line of the input to the command. A pipe that holds half a line must not block the event loop, so it
-// is read without blocking; a terminal always gives whole lines, and its mode would be shared with the output.
+// is read without blocking; a terminal always gives whole lines, and its mode would be shared with the
+// output.
 Shell::Input Shell::readLine() {
     Tcl_Channel in = Tcl_GetStdChannel(TCL_STDIN);
     if (!in) {
@@ -133,11 +128,8 @@ void Shell::evaluate() {
     m_command.clear();
     const std::string text = HTCTclEncoding::tclGetString(command.get());
     const task_manager::top_level scope(text);
-    if (isRecorded(text)) {
-        ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_USER_COMMAND, text + "\n");
-    }
-    const int code = m_terminal ? Tcl_RecordAndEvalObj(m_interp, command.get(), TCL_EVAL_GLOBAL)
-                                : Tcl_EvalObjEx(m_interp, command.get(), TCL_EVAL_GLOBAL);
+    // The history takes the command to the journal.
+    const int code = Tcl_RecordAndEvalObj(m_interp, command.get(), TCL_EVAL_GLOBAL);
     if (code != TCL_OK) {
         const std::string error = resultText(m_interp);
         Tcl_ResetResult(m_interp);

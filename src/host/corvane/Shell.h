@@ -3,10 +3,11 @@
 #include <string>
 #include <tcl.h>
 
-/// The session's command prompt: reads commands from standard input until it ends and evaluates them at global
-/// level. On a terminal it shows a prompt and each result; from a pipe or a file it only runs the commands, as
-/// tclsh does. A command that fails is shown and the shell goes on. Between commands Tcl's event loop runs, so
-/// that timers and evaluations from other threads are served. Interpreter's thread only; one for the process.
+/// The session's command prompt: reads commands from standard input until it ends and evaluates them at
+/// global level. On a terminal it shows a prompt and each result; from a pipe or a file it only runs the
+/// commands, as tclsh does. A command that fails is shown and the shell goes on. Between commands Tcl's event
+/// loop runs, so that timers and evaluations from other threads are served. Interpreter's thread only; one
+/// for the process.
 class Shell {
 public:
     explicit Shell(Tcl_Interp* interp);

@@ -1,5 +1,5 @@
-// The host program: makes the interpreter on a thread with the stack that the command line asks for, loads the
-// command layer, starts the session and runs its shell.
+// The host program: makes the interpreter on a thread with the stack that the command line asks for, loads
+// the command layer, starts the session and runs its shell.
 
 #include <charconv>
 #include <cstdio>
@@ -46,9 +46,9 @@ int stackMB() {
         const std::string& text = commandLine[i + 1];
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size);
         if (error == std::errc::result_out_of_range || size < 1 || size > maxStackMB) {
-            complain(ComMsgMgrInstance("common", ComMsgMgr::MSGTYPE_ERROR, "@17-5253@%s%d\n", text,
-                                       maxStackMB)
-                         .line());
+            complain(
+                ComMsgMgrInstance("common", ComMsgMgr::MSGTYPE_ERROR, "@17-5253@%s%d\n", text, maxStackMB)
+                    .line());
             return 0;
         }
         if (error != std::errc() || *end != '\0') {

@@ -55,8 +55,7 @@ public:
             HTCBuiltin::detail::format_command(indent, stripped(get_option<std::string>("cmd")));
         ComMsgMgr::MsgMask mask = ComMsgMgr::MSGTYPE_SESSION_COMMAND;
         if (indent > 0) {
-            const bool journal =
-                HPAParamMgr::getParamMgr().getValueAsBool("tcl.showTranslatedCmdsInJournal");
+            const bool journal = HPAParamMgr::getParamMgr().getValueAsBool("tcl.showTranslatedCmdsInJournal");
             mask = journal ? 0xb01000 : ComMsgMgr::MSGTYPE_TRACED_COMMAND;
         }
         ComMsgMgr::sendMsgString("common", mask, text);

@@ -1,6 +1,7 @@
 // omu::source ?-encoding NAME? ?-notrace? file
 // Tcl's source, whose commands are shown and logged as the file runs; an error of the file is shown with its
-// stack, and its result is empty then. A bad file name fails with Tcl's own words. Throws for the open journal.
+// stack, and its result is empty then. A bad file name fails with Tcl's own words. Throws for the open
+// journal.
 #include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTLogFileMgr.h"
 #include "platform/env/HUTPathUtils.h"
@@ -101,8 +102,7 @@ public:
         in_categories("Tools");
         description_instance("Add tracing of commands", "dummy")
             .add_options()
-            .add_option("encoding", options::text(),
-                        "specify the encoding of the data stored in filename")
+            .add_option("encoding", options::text(), "specify the encoding of the data stored in filename")
             .add_option("notrace", options::flag(), "disable tracing of sourced commands")
             .add_option("file", options::value<std::string>(), "script to source")
             .hint("file")

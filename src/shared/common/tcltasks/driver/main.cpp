@@ -1,15 +1,16 @@
 // omu::main ?OPTION ...? ?project?
 // Turns the interpreter into a session of the product: mode, log, journal, init scripts, the user's scripts.
-// What stands behind -tclargs is left to these scripts. A refused command line throws before anything is made.
+// What stands behind -tclargs is left to these scripts. A refused command line throws before anything is
+// made.
 #include <csignal>
 #include <iostream>
 #include <vector>
 
+#include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTEnv.h"
 #include "platform/env/HUTFile.h"
 #include "platform/env/HUTLogFileMgr.h"
 #include "platform/env/HUTMemUtils.h"
-#include "platform/env/HSTStringUtils.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/param/HPAParamMgr.h"
 #include "platform/taskcore/DefaultSignalHandlers.h"
@@ -131,8 +132,7 @@ public:
         const std::string& p = getLowerProductName();
         const bool analyzer = product_is("meldrin_analyzer");
         const bool notForOthers = analyzer || product_is("norrim");
-        auto options =
-            description_instance(driver::detail::getVersion(false), "").add_options();
+        auto options = description_instance(driver::detail::getVersion(false), "").add_options();
         const auto flag = [&](const char* name, bool hidden, const std::string& help) {
             options.add_option(name, options::flag()->hidden(hidden), help);
         };
@@ -169,8 +169,7 @@ public:
               "Specify options for jvm, e.g. \"" + p + " -jvm Xss320k -jvm Xmx2048m -jvm Xms8m ...\"");
         flag("java", true, p + " is started from java side (for IDEA developers)");
         words("tclargs", notForOthers, "Arguments passed on to tcl argc argv");
-        flag("notrace", true,
-             "Don't trace commands in tcl scripts that are sourced from the command line");
+        flag("notrace", true, "Don't trace commands in tcl scripts that are sourced from the command line");
         options.add_option("stack", options::number(20)->hidden(),
                            "Stack size (MB) for thread running the main Tcl interpreter");
         text("product", HUTEnv::getProductName(), true, "Name of product that called this task");

@@ -29,6 +29,23 @@ std::optional<int> frame_depth(Tcl_Interp* interp) {
     return std::nullopt;
 }
 
+// Tcl counts evaluations apart from frames. Finds out which evaluation level a command run from here has.
+int evaluation_level(Tcl_Interp* interp) {
+    int level = 0;
+    const auto note = [](ClientData found, Tcl_Interp*, int at, const char*, Tcl_Command, int,
+                         Tcl_Obj* const*) {
+        if (int& level = *static_cast<int*>(found); level == 0) {
+            level = at; // what the command runs in turn lies deeper
+        }
+        return TCL_OK;
+    };
+    const Tcl_Trace probe =
+        Tcl_CreateObjTrace(interp, 0, TCL_ALLOW_INLINE_COMPILATION, note, &level, nullptr);
+    frame_depth(interp);
+    Tcl_DeleteTrace(interp, probe);
+    return level;
+}
+
 bool is_unknown(Tcl_Interp* interp, Tcl_Command command) {
     static const tclobj_ref& name = *new tclobj_ref(Tcl_NewStringObj("::unknown", -1));
     static const Tcl_Command unknown = Tcl_GetCommandFromObj(interp, name.get());
@@ -94,7 +111,8 @@ void report_translation(const std::string& text) {
 
 void report_command(Tcl_Interp* interp, int level, const char* command, Tcl_Command token) {
     tracer_state& state = tracer();
-    if (level == state.level + 1 && !state.traceAll && !is_unknown(interp, token)) {
+    level -= state.depth.frameless;
+    if (level == state.depth.level + 1 && !state.traceAll && !is_unknown(interp, token)) {
         return;
     }
     std::string text = HTCTclEncoding::fromTcl(command);
@@ -128,8 +146,9 @@ int trace_commands(ClientData, Tcl_Interp* interp, int level, const char* comman
 void start_trace(Tcl_Interp* interp) {
     tracer_state& state = tracer();
     const bool inlined = HPAParamMgr::getParamMgr().getValueAsBool("tcl.allowInlineCompilation");
-    state.trace = Tcl_CreateObjTrace(interp, state.level + 1, inlined ? TCL_ALLOW_INLINE_COMPILATION : 0,
-                                     trace_commands, nullptr, nullptr);
+    state.trace =
+        Tcl_CreateObjTrace(interp, state.depth.level + state.depth.frameless + 1,
+                           inlined ? TCL_ALLOW_INLINE_COMPILATION : 0, trace_commands, nullptr, nullptr);
 }
 
 } // namespace
@@ -141,11 +160,13 @@ tracer_state& tracer() {
 
 void push_tracer(Tcl_Interp* interp) {
     tracer_state& state = tracer();
-    if (state.level > 0) {
+    if (state.depth.level > 0) {
         Tcl_DeleteTrace(interp, state.trace);
-        state.outer.push_back(state.level);
+        state.outer.push_back(state.depth);
     }
-    state.level = frame_depth(interp).value_or(state.level);
+    if (const std::optional<int> frames = frame_depth(interp)) {
+        state.depth = {*frames, evaluation_level(interp) - *frames};
+    }
     Tcl_ResetResult(interp);
     ++state.indentLevel;
     start_trace(interp);
@@ -153,16 +174,16 @@ void push_tracer(Tcl_Interp* interp) {
 
 void pop_tracer(Tcl_Interp* interp) {
     tracer_state& state = tracer();
-    if (state.level == 0) {
+    if (state.depth.level == 0) {
         return;
     }
     --state.indentLevel;
     Tcl_DeleteTrace(interp, state.trace);
     if (state.outer.empty()) {
-        state.level = 0;
+        state.depth = {};
         return;
     }
-    state.level = state.outer.back();
+    state.depth = state.outer.back();
     state.outer.pop_back();
     start_trace(interp);
 }

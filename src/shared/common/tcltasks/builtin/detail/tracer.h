@@ -8,15 +8,21 @@
 /// files are being sourced. There is one for the process, on the main interpreter: interpreter's thread only.
 namespace HTCBuiltin::detail {
 
+/// Where a trace watches, counted in frames as `info frame` counts them.
+struct traced_depth {
+    int level = 0;     ///< the frame depth of the file's commands; 0 for no trace
+    int frameless = 0; ///< Tcl's evaluation levels that have no frame, as the one of an imported command
+};
+
 struct tracer_state {
-    bool traceAll = false;     ///< also commands that the file's own commands run
-    bool isSourcing = false;   ///< some file is being sourced
-    bool writeCmdText = false; ///< the command traced last has a translation
-    bool noTrace = false;      ///< an untraced file is being sourced; what it sources is untraced too
-    int indentLevel = 0;       ///< depth of traced sourcing
-    int level = 0;             ///< the frame depth at which the active trace watches; 0 for no trace
-    std::vector<int> outer;    ///< the levels of the traces that the active one stands in for
-    Tcl_Trace trace = nullptr; ///< the active trace
+    bool traceAll = false;           ///< also commands that the file's own commands run
+    bool isSourcing = false;         ///< some file is being sourced
+    bool writeCmdText = false;       ///< the command traced last has a translation
+    bool noTrace = false;            ///< an untraced file is being sourced; what it sources is untraced too
+    int indentLevel = 0;             ///< depth of traced sourcing
+    traced_depth depth;              ///< of the active trace
+    std::vector<traced_depth> outer; ///< of the traces that the active one stands in for
+    Tcl_Trace trace = nullptr;       ///< the active trace
 };
 tracer_state& tracer();
 

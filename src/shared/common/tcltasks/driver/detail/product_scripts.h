@@ -12,8 +12,8 @@ const std::string& getLowerProductName();
 
 namespace omumain {
 
-/// Sources the program's own script, "lib/scripts/omu/products/<program>.tcl" of the application root, without
-/// tracing. Returns the script's code.
+/// Sources the program's own script, "lib/scripts/omu/products/<program>.tcl" of the application root,
+/// without tracing. Returns the script's code.
 int sourceProgramInitScript(Tcl_Interp* interp);
 
 /// Sources the scripts that prepare a session of this product: "scripts/<product>_init.tcl" of each
