@@ -37,15 +37,21 @@ Mgr& Mgr::instance() {
     return manager;
 }
 
-bool Mgr::undo(Tcl_Interp*) {
-    return move_step(m_undo, m_redo, true);
+bool Mgr::undo(Tcl_Interp* interp) {
+    if (!m_open.commands.empty()) {
+        // What the open group holds came last, so it goes first; the group itself stays open.
+        const bool display = m_open.display;
+        push(std::move(m_open));
+        m_open = step{{}, true, display};
+    }
+    return move_step(m_undo, m_redo, interp, true);
 }
 
-bool Mgr::redo(Tcl_Interp*) {
-    return move_step(m_redo, m_undo, false);
+bool Mgr::redo(Tcl_Interp* interp) {
+    return move_step(m_redo, m_undo, interp, false);
 }
 
-bool Mgr::move_step(stack& from, stack& to, bool undoing) {
+bool Mgr::move_step(stack& from, stack& to, Tcl_Interp* interp, bool undoing) {
     if (from.empty()) {
         return false;
     }
@@ -56,12 +62,12 @@ bool Mgr::move_step(stack& from, stack& to, bool undoing) {
     const size_t count = commands.size();
     for (size_t i = 0; i < count; ++i) {
         command& next = commands[undoing ? count - 1 - i : i];
-        if (apply(*next.task, next.interp, next.words.get(), undoing) == TCL_OK) {
+        if (apply(*next.task, interp, next.words.get(), undoing) == TCL_OK) {
             continue;
         }
         while (i-- > 0) {
             command& done = commands[undoing ? count - 1 - i : i];
-            apply(*done.task, done.interp, done.words.get(), !undoing);
+            apply(*done.task, interp, done.words.get(), !undoing);
         }
         clearUndoRedo();
         return false;
@@ -122,13 +128,12 @@ void Mgr::endGroup(bool display) {
     m_open = step{};
 }
 
-void Mgr::record(std::shared_ptr<vek::tcltasks::itask> task, Tcl_Interp* interp, int objc,
-                 Tcl_Obj* const* objv) {
+void Mgr::record(std::shared_ptr<vek::tcltasks::itask> task, int objc, Tcl_Obj* const* objv) {
     if (!recording()) {
         return;
     }
     m_redo.clear();
-    command done{std::move(task), interp, tclobj_ref(Tcl_NewListObj(objc, objv))};
+    command done{std::move(task), tclobj_ref(Tcl_NewListObj(objc, objv))};
     if (isInGroup()) {
         m_open.commands.push_back(std::move(done));
     } else {

@@ -20,9 +20,10 @@ class Mgr {
 public:
     static Mgr& instance();
 
-    /// Takes back the last step, or brings it back. True if there was one and all of it succeeded; a step
-    /// that fails half-way is first brought to where it was, and both stacks are then cleared, since nothing
-    /// is known of the state behind them.
+    /// Takes back the last step, or brings it back; `interp` receives the reason when that fails. In an open
+    /// group the commands that it holds so far are the last step. True if there was one and all of it
+    /// succeeded; a step that fails half-way is first brought to where it was, and both stacks are then
+    /// cleared, since nothing is known of the state behind them.
     bool undo(Tcl_Interp* interp);
     bool redo(Tcl_Interp* interp);
 
@@ -45,8 +46,7 @@ public:
 
     /// Notes a finished command that can be undone, and keeps its task alive for that. Drops what could be
     /// redone.
-    void record(std::shared_ptr<vek::tcltasks::itask> task, Tcl_Interp* interp, int objc,
-                Tcl_Obj* const* objv);
+    void record(std::shared_ptr<vek::tcltasks::itask> task, int objc, Tcl_Obj* const* objv);
     /// Notes a finished command that changed what cannot be undone: nothing before it can be undone any more.
     void breakChain();
     /// True while commands are to be recorded at all.
@@ -64,7 +64,6 @@ public:
 private:
     struct command {
         std::shared_ptr<vek::tcltasks::itask> task;
-        Tcl_Interp* interp;
         vek::tcltasks::tclobj_ref words;
     };
     struct step {
@@ -74,7 +73,7 @@ private:
     };
     using stack = std::deque<step>;
 
-    bool move_step(stack& from, stack& to, bool undoing);
+    bool move_step(stack& from, stack& to, Tcl_Interp* interp, bool undoing);
     void push(step finished);
     static void list(const stack& steps, std::string& text);
 

@@ -228,7 +228,7 @@ bool is_list_type(Tcl_Obj* obj) {
     if (!obj->bytes) {
         return false;
     }
-    return std::strpbrk(obj->bytes, " \t\n\r\f\v{}\"\\") != nullptr;
+    return *obj->bytes == '\0' || std::strpbrk(obj->bytes, " \t\n\r\f\v{}\"\\") != nullptr;
 }
 
 } // namespace vek::tcltasks::detail

@@ -113,7 +113,7 @@ unsigned long get_collection_result_display_limit();
 bool collections_disabled();
 
 /// True if a value is a Tcl list of other than one element, or text that reads as one. Never converts the
-/// value; text is judged by whether it holds white space or braces.
+/// value; text is judged by whether it is empty or holds white space or braces.
 bool is_list_type(Tcl_Obj* obj);
 
 } // namespace detail

@@ -115,7 +115,7 @@ void record_undo(const std::shared_ptr<itask>& task, Tcl_Interp* interp, int obj
         }
     }
     if (task->can_undo(interp, objc, objv)) {
-        undo.record(task, interp, objc, objv);
+        undo.record(task, objc, objv);
     } else {
         undo.breakChain();
     }
@@ -419,8 +419,8 @@ int deliver_interrupt(ClientData, Tcl_Interp* interp, int code) {
     running = running ? running : interp;
     if (running) {
         const HEXError interrupted({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-5012@\n"});
-        const tclobj_ref message(HTCTclEncoding::tclNewStringObj(interrupted.what()));
-        Tcl_CancelEval(running, message.get(), nullptr, TCL_CANCEL_UNWIND);
+        // Tcl_CancelEval discards the object that it is given.
+        Tcl_CancelEval(running, HTCTclEncoding::tclNewStringObj(interrupted.what()), nullptr, TCL_CANCEL_UNWIND);
     }
     return code;
 }

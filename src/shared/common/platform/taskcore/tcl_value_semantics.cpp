@@ -5,6 +5,10 @@
 
 namespace vek::tcltasks {
 
+const std::string& detail::single_token(const std::vector<std::string>& tokens) {
+    return boost::program_options::validators::get_single_string(tokens);
+}
+
 template class tcl_value_semantic<bool>;
 template class tcl_value_semantic<int>;
 template class tcl_value_semantic<unsigned>;

@@ -51,6 +51,10 @@ constexpr const char* value_kind() {
     }
 }
 
+/// The only token of an option that takes one value. Defined in the library, so that a command's own library
+/// need not link Boost.
+const std::string& single_token(const std::vector<std::string>& tokens);
+
 /// Converts one argument; what does not convert is refused with the switch and the text of the argument.
 template <class T, class tcltype>
 struct tcl_validate {
@@ -155,7 +159,7 @@ public:
         } else if constexpr (detail::is_list_value<T>::value) {
             parse_list(store, tokens);
         } else {
-            parse_single(store, boost::program_options::validators::get_single_string(tokens));
+            parse_single(store, detail::single_token(tokens));
         }
     }
 
