@@ -20,8 +20,9 @@ public:
     /// The live value that stands for an object, or null.
     static Tcl_Obj* find_value(T native) {
         boost::shared_lock lock(get_n2t_mutex());
-        const auto [first, last] = get_n2t_cache().equal_range(key(native));
-        for (auto at = first; at != last; ++at) {
+        // Not equal_range: to find its end, it reads an entry that is seldom needed and never near.
+        const n2t_map& values = get_n2t_cache();
+        for (auto at = values.find(key(native)); at != values.end() && at->first == key(native); ++at) {
             if (is_alive(at->second)) {
                 return at->second;
             }
