@@ -22,7 +22,8 @@ enum AttrType {
 
 } // namespace HATAttrTypes
 
-/// A value of any property type; empty before one is set.
+/// A value of any property type; empty before one is set. Words of an enumeration and file names are strings.
+/// Texts are in the system encoding.
 using HATAttrAny = std::variant<std::monostate, bool, int, long, double, std::string, std::vector<int>,
                                 std::vector<double>, std::vector<std::string>>;
 
