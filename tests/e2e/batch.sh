@@ -6,7 +6,7 @@ batch() { run "$corvane" -mode batch "$@"; }
 printf 'puts "all is well"\n' >good.tcl
 batch -source good.tcl
 check "a good script ends with 0" status_is 0
-check "what a script prints is shown" shows_once "all is well"
+check "what a script prints is shown" shows_line_once "all is well"
 
 printf 'puts before\nerror "the pump is dry"\nputs after\n' >bad.tcl
 batch -source bad.tcl -source good.tcl

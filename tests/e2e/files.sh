@@ -18,7 +18,7 @@ check "every line of the journal's banner is a Tcl comment" \
 
 mkdir replay && cp one.tcl corvane.jou replay && cd replay || exit 1
 run "$corvane" -mode batch -log again.log -journal again.jou -source corvane.jou
-check "a replayed journal repeats the session" shows_once "first result"
+check "a replayed journal repeats the session" shows_line_once "first result"
 check "the log takes the name that was asked for" exists again.log
 check "the journal takes the name that was asked for" exists again.jou
 check "no file of the usual name is made then" missing corvane.log
