@@ -1,14 +1,13 @@
 #include "Shell.h"
 
-#include <string_view>
 #include <unistd.h>
 
-#include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTEnv.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/taskcore/task_manager.h"
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/tclobj_ref.h"
+#include "tcltasks/driver/detail/driver.h"
 
 using vek::tcltasks::task_manager;
 using vek::tcltasks::tclobj_ref;
@@ -60,8 +59,7 @@ void Shell::run() {
         case Input::line:
             if (Tcl_CommandComplete(m_command.c_str())) {
                 evaluate();
-                while (Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT)) {
-                }
+                Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT); // input without pause keeps no event waiting
             }
             prompt();
         }
@@ -131,9 +129,7 @@ void Shell::evaluate() {
     // The history takes the command to the journal.
     const int code = Tcl_RecordAndEvalObj(m_interp, command.get(), TCL_EVAL_GLOBAL);
     if (code != TCL_OK) {
-        const std::string error = resultText(m_interp);
-        Tcl_ResetResult(m_interp);
-        task_manager::write_error_result(error, 0);
+        driver::detail::writeTclErrorMessage(m_interp);
     } else if (m_terminal) {
         showResult();
     }
@@ -158,7 +154,7 @@ void Shell::prompt() {
         return;
     }
     if (script) {
-        task_manager::write_error_result(resultText(m_interp), 0);
+        driver::detail::writeTclErrorMessage(m_interp);
     }
     write(continued ? std::string("> ") : HUTEnv::getProductName() + "% ");
 }

@@ -112,7 +112,8 @@ int runSession() {
         return 1;
     }
     if (hasMode(interp, "py")) {
-        const HEXError failure({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-5252@%s\n", commandLine.front()});
+        const HEXError failure(
+            {"common", ComMsgMgr::MSGTYPE_ERROR, "@17-5252@%s\n", HUTEnv::getProgramName()});
         failure.print();
         return 1;
     }

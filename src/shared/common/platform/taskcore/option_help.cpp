@@ -162,6 +162,14 @@ void write_arguments(std::ostream& out, const task_options_base& task) {
     }
 }
 
+// A description of several lines keeps them; a single one is a sentence.
+void write_description(std::ostream& out, const std::string& description) {
+    const auto lines = HSTStringUtils::split(HSTStringUtils::trim(description), '\n');
+    for (const std::string& line : lines) {
+        wrap(out << "  ", lines.size() > 1 ? line : sentence(line), 2, 2);
+    }
+}
+
 std::string page(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
@@ -190,7 +198,7 @@ std::string task_options_base::help(Tcl_Interp* interp, const std::string& name,
     }
     const options_description& description = get_options_description();
     out << short_name(shown) << "\n\nDescription:\n";
-    wrap(out << "  ", sentence(description.description()), 2, 2);
+    write_description(out, description.description());
     out << "\nSyntax:\n";
     wrap(out << "  ", usage(*this, shown), 6, 2);
     if (!description.returns().empty()) {

@@ -9,6 +9,7 @@
 #include "platform/env/HUTMemWatcher.h"
 #include "platform/env/HUTProcHandlers.h"
 #include "platform/msg/ComMsgMgr.h"
+#include "platform/msg/HEX.h"
 #include "platform/taskcore/task_manager.h"
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/HTCTclUtils.h"
@@ -84,7 +85,10 @@ void init(bool regress, bool /*gui*/, bool quiet) {
 }
 
 void writeTclErrorMessage(Tcl_Interp* interp) {
-    const std::string text = HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp));
+    // An interrupt unwinds through whatever was running, which may leave words of its own.
+    const std::string text = vek::tcltasks::task_manager::isTaskCanceled()
+                                 ? HEXError({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-5012@\n"}).what()
+                                 : HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp));
     Tcl_ResetResult(interp);
     if (!text.empty()) {
         vek::tcltasks::task_manager::write_error_result(text, 0);

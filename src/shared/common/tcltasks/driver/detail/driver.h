@@ -23,7 +23,8 @@ namespace detail {
 /// makes the user's data directory, shows the product's header unless `quiet` and takes over the locale.
 void init(bool regress, bool gui, bool quiet);
 
-/// Shows the interpreter's result as an error, unless it is empty or has been shown, and resets it.
+/// Shows the interpreter's result as an error, unless it is empty or has been shown, and resets it. After an
+/// interrupt by the user the error says just that.
 void writeTclErrorMessage(Tcl_Interp* interp);
 
 } // namespace detail
