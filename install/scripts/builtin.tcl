@@ -40,7 +40,7 @@ proc ::omu::replace {names} {
     import $imports
 }
 
-omu::replace {catch foreach join lappend lindex llength lsearch source}
+omu::replace {catch foreach join lappend lindex llength lrange lreplace lreverse lsearch lset lsort source}
 omu::publish
 
 # Tcl's history, with its events where the whole tool sees them. What is asked and refused, and in which words,
@@ -98,7 +98,7 @@ namespace eval ::omu::history {
         } else {
             for {set number [expr {$newest - 1}]} {$number > max($forgotten, 0)} {incr number -1} {
                 set command [::omu::HistEvent -event $number]
-                if {[string match $event* $command] || [string match $event $command]} {
+                if {$command ne "" && ([string match $event* $command] || [string match $event $command])} {
                     return [expr {$number - $newest}]
                 }
             }

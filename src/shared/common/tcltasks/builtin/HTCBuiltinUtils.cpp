@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
@@ -83,11 +84,18 @@ int HTCBuiltinUtils::parseIndex(const std::string& index, int last) {
 
 namespace {
 
+// In the order of plain_command.
+constexpr const char* plainNames[] = {"::tcl::lappend",  "::tcl::lindex",  "::tcl::lrange", "::tcl::lreplace",
+                                      "::tcl::lreverse", "::tcl::lsearch", "::tcl::lset",   "::tcl::lsort"};
+
 // The names as values, which remember the commands that they were last resolved to. One set for each thread.
 struct plain_names {
-    vek::tcltasks::tclobj_ref names[3] = {Tcl_NewStringObj("::tcl::lappend", -1),
-                                          Tcl_NewStringObj("::tcl::lindex", -1),
-                                          Tcl_NewStringObj("::tcl::lsearch", -1)};
+    plain_names() {
+        std::transform(std::begin(plainNames), std::end(plainNames), names,
+                       [](const char* name) { return Tcl_NewStringObj(name, -1); });
+    }
+
+    vek::tcltasks::tclobj_ref names[std::size(plainNames)];
 };
 
 // Values must be given back before Tcl closes down its thread, which is earlier than a thread_local's end.

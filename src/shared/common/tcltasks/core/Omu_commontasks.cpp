@@ -10,9 +10,11 @@
 #include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/builtin/HTCBuiltinInit.h"
 #include "tcltasks/builtin/history/history_cmds.h"
+#include "tcltasks/builtin/list_cmds/list_cmds.h"
 #include "tcltasks/command/HTCCommandInit.h"
 #include "tcltasks/driver/HTCDriverInit.h"
 #include "tcltasks/param/HTCParamInit.h"
+#include "tcltasks/property/HTCPropertyInit.h"
 #include "tcltasks/utils/HTCUtilsInit.h"
 
 namespace {
@@ -27,6 +29,7 @@ struct unit {
 // The order in which units come up is also the order in which they go: the teardown walks forward.
 const unit units[] = {
     {HTCBuiltinInit::history_cmds::init, HTCBuiltinInit::history_cmds::uninit},
+    {HTCBuiltinInit::list_cmds::init, HTCBuiltinInit::list_cmds::uninit},
     {HTCBuiltinInit::source_cmds::init, HTCBuiltinInit::source_cmds::uninit},
     {HTCBuiltinInit::HTCCatch::init, HTCBuiltinInit::HTCCatch::uninit},
     {HTCBuiltinInit::HTCForeach::init, HTCBuiltinInit::HTCForeach::uninit},
@@ -39,6 +42,15 @@ const unit units[] = {
     {HTCDriverInit::HTCDriver::init, HTCDriverInit::HTCDriver::uninit},
     {HTCParamInit::param_cmds::init, HTCParamInit::param_cmds::uninit},
     {HTCParamInit::HTCResetParam::init, HTCParamInit::HTCResetParam::uninit},
+    {HTCPropertyInit::get_cmds::init, HTCPropertyInit::get_cmds::uninit},
+    {HTCPropertyInit::set_cmds::init, HTCPropertyInit::set_cmds::uninit},
+    {HTCPropertyInit::reset_cmds::init, HTCPropertyInit::reset_cmds::uninit},
+    {HTCPropertyInit::report_cmds::init, HTCPropertyInit::report_cmds::uninit},
+    {HTCPropertyInit::list_cmds::init, HTCPropertyInit::list_cmds::uninit},
+    {HTCPropertyInit::create_cmds::init, HTCPropertyInit::create_cmds::uninit},
+    {HTCPropertyInit::delete_cmds::init, HTCPropertyInit::delete_cmds::uninit},
+    {HTCPropertyInit::HTCPListPropertyValue::init, HTCPropertyInit::HTCPListPropertyValue::uninit},
+    {HTCPropertyInit::HTCPGetAttrSpecs::init, HTCPropertyInit::HTCPGetAttrSpecs::uninit},
     {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
     {HTCUtilsInit::HTCCheckEnv::init, HTCUtilsInit::HTCCheckEnv::uninit},
     {HTCUtilsInit::HTCLoadFeature::init, HTCUtilsInit::HTCLoadFeature::uninit},
