@@ -65,7 +65,7 @@ TEST_F(ComMsgMgrInstanceTest, aTextOfTenMegabytesSurvives) {
     const std::string large(10'000'000, 'x');
     const ComMsgMgrInstance message("trial", M::MSGTYPE_ERROR, "@90-2@%s", large);
     EXPECT_EQ(message.text(), "One '" + large + "'.");
-    EXPECT_GE(message.argBytes(), large.size());
+    EXPECT_GE(message.bytes(), large.size());
 }
 
 TEST_F(ComMsgMgrInstanceTest, anArgumentOfAnotherTypeIsShownInItsOwnForm) {

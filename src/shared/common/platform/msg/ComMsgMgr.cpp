@@ -2,27 +2,28 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
+#include <cctype>
 #include <climits>
-#include <cstdio>
-#include <cstring>
+#include <ctime>
 #include <deque>
+#include <map>
 #include <mutex>
-#include <optional>
 #include <system_error>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 #include "platform/env/HSTStringUtils.h"
-#include "platform/env/HUTLogFileMgr.h"
 #include "platform/msg/ComMsgMgrFile.h"
-#include "platform/msg/ComMsgMgrStdout.h"
+#include "platform/msg/ComMsgMgrProjIface.h"
+#include "platform/msg/detail/MsgDelivery.h"
+#include "platform/msg/detail/MsgIds.h"
+#include "platform/msg/detail/MsgSource.h"
 #include "platform/param/HPAParamMgr.h"
 
 namespace {
 
 using Mask = ComMsgMgr::MsgMask;
+using com_msg_mgr::IdRecord;
 
 struct Severity {
     Mask mask;
@@ -47,147 +48,63 @@ constexpr std::size_t severity_index(Mask mask) {
     return i;
 }
 
+/// The word that a line of this mask begins with, empty for a plain line.
+constexpr std::string_view head_word(Mask mask) {
+    if (const std::size_t i = severity_index(mask); i != no_severity)
+        return severities[i].word;
+    return mask & ComMsgMgr::MSGTYPE_TRACE ? "TRACE" : "";
+}
+
 constexpr Mask command_echo =
     ComMsgMgr::MSGTYPE_TRACED_COMMAND | ComMsgMgr::MSGTYPE_USER_COMMAND | ComMsgMgr::MSGTYPE_SESSION_COMMAND;
 
-/// Where a mask's text goes.
-struct Route {
-    bool console, log, journal, journalAsComment;
-
-    static constexpr Route of(Mask mask) {
-        if (mask & (ComMsgMgr::MSGTYPE_SEVERITIES | ComMsgMgr::MSGTYPE_TRACE))
-            return {true, true, false, false};
-        const Mask shown = ComMsgMgr::MSGTYPE_LINE | ComMsgMgr::MSGTYPE_ERRORINFO |
-                           ComMsgMgr::MSGTYPE_OUTPUT | ComMsgMgr::MSGTYPE_TRACED_COMMAND |
-                           ComMsgMgr::MSGTYPE_SESSION_COMMAND;
-        const Mask replayed = ComMsgMgr::MSGTYPE_USER_COMMAND | ComMsgMgr::MSGTYPE_SESSION_COMMAND;
-        const bool header = mask & ComMsgMgr::MSGTYPE_HEADER;
-        return {(mask & shown) != 0, (mask & (shown | replayed)) != 0 || header,
-                (mask & replayed) != 0 || header, header};
-    }
-};
-
-std::string as_comment(std::string_view text) {
-    std::string out;
-    while (!text.empty()) {
-        const std::string_view line =
-            text.substr(0, text.find('\n') == std::string_view::npos ? text.size() : text.find('\n') + 1);
-        if (line.front() != '#')
-            out += "# ";
-        out += line;
-        text.remove_prefix(line.size());
-    }
-    return out;
-}
-
 std::string_view without_line_end(std::string_view line) {
-    if (!line.empty() && line.back() == '\n')
-        line.remove_suffix(1);
-    return line;
+    return line.substr(0, line.size() - line.ends_with('\n'));
 }
 
-class LogSink : public ComMsgMgrSink {
-    void write(std::string_view text) override { HUTLogFileMgr::writeLog(text); }
-};
-
-class JournalSink : public ComMsgMgrSink {
-    void write(std::string_view text) override { HUTLogFileMgr::writeJournal(text); }
-};
-
-struct Counter {
-    unsigned count = 0;
-    std::optional<unsigned> limit;
-    bool noticed = false; ///< the user was told that the limit is reached
-
-    void reset() {
-        count = 0;
-        noticed = false;
-    }
+struct SeverityCount {
+    std::atomic<unsigned> count{0};
+    std::atomic<std::int64_t> limit{IdRecord::no_limit_of_its_own};
+    std::atomic<unsigned> sent{0};          // never set back
+    std::atomic<unsigned> sentAtCommand{0}; // `sent` when the current command began
 };
 
 /// An ERROR of the recent past, ready to be given as a command's result.
 struct HeldError {
     std::uint64_t ordinal;
-    std::shared_ptr<const ComMsgMgrInstance> message; ///< null for a text without an id
-    std::string line;
+    std::shared_ptr<const ComMsgMgrInstance> message; ///< of one that was not shown
+    std::string line;                                 ///< of one that was shown
 
-    std::size_t bytes() const { return line.size() + (message ? message->argBytes() : 0); }
+    std::size_t bytes() const { return line.size() + (message ? message->bytes() : 0); }
 };
 
-/// The file that shown messages are recorded in, one a line: mask in hexadecimal, id, text, separated by
-/// tabs, with \t, \n, \r, \\ for these characters.
-class Record {
-public:
-    explicit Record(const std::string& path) : m_path(path), m_file(std::fopen(path.c_str(), "wbe")) {
-        if (!m_file)
-            throw std::system_error(errno, std::generic_category());
-    }
-    ~Record() {
-        if (m_file)
-            std::fclose(m_file);
-    }
-    Record(const Record&) = delete;
-    Record& operator=(const Record&) = delete;
-
-    const std::string& path() const { return m_path; }
-
-    /// Ends the file. False if something could not be written to it.
-    bool close() {
-        const bool sound = !std::ferror(m_file);
-        return (std::fclose(std::exchange(m_file, nullptr)) == 0) && sound;
-    }
-
-    void add(Mask mask, std::string_view id, std::string_view text) {
-        char head[16];
-        std::snprintf(head, sizeof head, "%08x\t", mask);
-        std::string line = head;
-        escape(line, id);
-        line += '\t';
-        escape(line, without_line_end(text));
-        line += '\n';
-        if (m_file)
-            std::fwrite(line.data(), 1, line.size(), m_file);
-    }
-
-private:
-    static void escape(std::string& out, std::string_view text) {
-        for (const char c : text) {
-            const std::size_t special = std::string_view("\t\n\r\\").find(c);
-            if (special == std::string_view::npos)
-                out += c;
-            else
-                (out += '\\') += "tnr\\"[special];
-        }
-    }
-
-    std::string m_path;
-    std::FILE* m_file;
+struct Help {
+    std::string words, description, resolution;
 };
 
-/// All of the manager's state. `mutex` guards every member but those that say otherwise; `output` is held
-/// while log, journal and record are written, so that they get texts whole and in the same order. `output` is
-/// never taken under `mutex`.
+/// The manager's switches and what it remembers; ids, delivery and stored messages have places of their own.
+/// `mutex` guards the members behind it.
 struct State {
     static constexpr std::size_t max_held = 1024;
     static constexpr std::size_t max_held_bytes = 1 << 20;
 
+    std::atomic<bool> echo{true};
+    std::atomic<bool> issuedError{false};
+    std::atomic<bool> caching{false};
+    std::atomic<bool> translating{false};
+    std::atomic<bool> stamping{false};
+    std::atomic<bool> limiting{true};
+    std::atomic<int> visibility{0};
+    std::atomic<ComMsgMgr::OperatingMode> modes{ComMsgMgr::MODE_DEFAULT};
+    std::array<SeverityCount, severities.size()> bySeverity;
+
     std::mutex mutex;
-    std::mutex output;
-
-    std::atomic<bool> echo{true};          // unguarded
-    std::atomic<bool> allToConsole{false}; // unguarded
-    std::atomic<bool> issuedError{false};  // unguarded
-    std::atomic<int> visibility{0};        // unguarded
-
-    std::unordered_map<std::string, Counter> ids;
-    std::array<Counter, severities.size()> bySeverity;
     std::deque<HeldError> held;
     std::size_t heldBytes = 0;
-    std::unordered_set<std::size_t> issued;
-    bool caching = false;
-    std::vector<std::shared_ptr<const ComMsgMgrInstance>> cache;
-    std::array<std::shared_ptr<ComMsgMgrSink>, 3> sinks; // null: the usual one
-    std::shared_ptr<Record> record;
+    std::unordered_set<std::size_t> issued; // hashes of the ERROR lines shown
+    std::map<std::string, int, std::less<>> scopes;
+    std::map<std::string, Help, std::less<>> help; // given by senders, by id
+    ComMsgMgrSrcHandle current;
 
     static State& get() {
         static State& state = *new State; // messages are sent up to the very end of the process
@@ -224,194 +141,290 @@ unsigned default_limit() {
     return limit ? static_cast<unsigned>(std::max(0, limit.load()->int_value())) : fallback;
 }
 
-std::string id_of(std::string_view subsystem, std::string_view number) {
-    std::string id = ComMsgMgrDb::of(subsystem)->alias();
-    id += ' ';
-    return id.append(number);
+unsigned limit_of(const IdRecord& id) {
+    const std::int64_t own = id.limit.load(std::memory_order_relaxed);
+    return own == IdRecord::no_limit_of_its_own ? default_limit() : static_cast<unsigned>(own);
 }
 
 bool is_visible(Mask mask) {
+    const State& state = State::get();
     if (severity_index(mask) != no_severity)
         return true;
     if (mask & ComMsgMgr::MSGTYPE_TRACE)
-        return static_cast<int>(mask & 0xF) <= State::get().visibility && State::get().visibility > 0;
-    return !(mask & command_echo) || State::get().echo;
+        return static_cast<int>(mask & 0xF) <= state.visibility && state.visibility > 0;
+    return !(mask & command_echo) || state.echo;
 }
 
-/// Gives the whole lines of `text` to the places of the mask.
-void deliver(Mask mask, std::string_view id, std::string_view text) {
-    State& state = State::get();
-    Route route = Route::of(mask);
-    route.console |= state.allToConsole;
+/// Puts date and time behind the id of a message line, or behind its severity.
+void stamp(std::string& line, Mask mask) {
+    const std::string_view word = head_word(mask);
+    if (word.empty() || !line.starts_with(word))
+        return;
+    std::size_t place = word.size() + 2;
+    if (place < line.size() && line[place] == '[')
+        if (const std::size_t end = line.find("] ", place); end != std::string::npos)
+            place = end + 2;
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    char text[32];
+    const std::size_t size =
+        localtime_r(&now, &parts) ? std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S ", &parts) : 0;
+    line.insert(std::min(place, line.size()), text, size);
+}
 
-    static auto& usualLog = *new std::shared_ptr<ComMsgMgrSink>(std::make_shared<LogSink>());
-    static auto& usualJournal = *new std::shared_ptr<ComMsgMgrSink>(std::make_shared<JournalSink>());
-    std::shared_ptr<ComMsgMgrSink> console, log, journal;
-    std::shared_ptr<Record> record;
-    {
-        std::lock_guard lock(state.mutex);
-        console = state.sinks[0] ? state.sinks[0] : ComMsgMgrStdout::instance();
-        log = state.sinks[1] ? state.sinks[1] : usualLog;
-        journal = state.sinks[2] ? state.sinks[2] : usualJournal;
-        record = state.record;
-    }
-    {
-        std::lock_guard lock(state.output);
-        if (route.log)
-            log->write(text);
-        if (route.journal)
-            route.journalAsComment ? journal->write(as_comment(text)) : journal->write(text);
-        if (record)
-            record->add(mask, id, text);
-    }
-    // Outside of all locks: a Tcl channel may run a script for this.
-    if (route.console)
-        console->write(text);
+void remember_help(std::string_view id, std::string_view words, const std::string& description,
+                   const std::string& resolution) {
+    if (id.empty() || (description.empty() && resolution.empty()))
+        return;
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    state.help.insert_or_assign(std::string(id),
+                                Help{std::string(without_line_end(words)), description, resolution});
+}
+
+std::string help_text(std::string_view id, const Help& help) {
+    std::string text = '[' + std::string(id) + "] " + help.words + '\n';
+    if (!help.description.empty())
+        text += "\nDescription:\n" + help.description + '\n';
+    if (!help.resolution.empty())
+        text += "\nResolution:\n" + help.resolution + '\n';
+    return text;
 }
 
 } // namespace
 
 void ComMsgMgr::init(MsgCache cache, const std::string& file) {
-    State& state = State::get();
-    std::shared_ptr<Record> record;
-    std::string failure;
-    if (!file.empty()) {
-        try {
-            record = std::make_shared<Record>(file);
-        } catch (const std::system_error& error) {
-            failure = error.code().message();
-        }
+    State::get().caching = cache == MSGCACHE_ON;
+    std::string failure, incomplete;
+    try {
+        incomplete = com_msg_mgr::set_record(file);
+    } catch (const std::system_error& error) {
+        failure = error.code().message();
+        incomplete = com_msg_mgr::set_record("");
     }
-    {
-        std::lock_guard lock(state.mutex);
-        state.caching = cache == MSGCACHE_ON;
-        std::swap(state.record, record);
-    }
+    if (!incomplete.empty())
+        sendMsg("common", MSGTYPE_WARNING, "@17-5154@%s\n", incomplete);
     if (!failure.empty())
         throw ComMsgMgrInstance("common", MSGTYPE_ERROR, "@17-5152@%s%s\n", file, failure);
 }
 
 void ComMsgMgr::uninit() {
     State& state = State::get();
-    std::shared_ptr<Record> record;
+    com_msg_mgr::release_all_threads();
+    if (const std::string incomplete = com_msg_mgr::set_record(""); !incomplete.empty())
+        sendMsg("common", MSGTYPE_WARNING, "@17-5154@%s\n", incomplete);
+    com_msg_mgr::set_sink(static_cast<std::size_t>(Destination::console), nullptr);
+    com_msg_mgr::set_all_to_console(false);
+    com_msg_mgr::for_each_id([](IdRecord& id) {
+        id.reset_count();
+        id.limit = IdRecord::no_limit_of_its_own;
+    });
+    for (SeverityCount& severity : state.bySeverity) {
+        severity.count = 0;
+        severity.limit = IdRecord::no_limit_of_its_own;
+        severity.sentAtCommand = severity.sent.load();
+    }
     {
         std::lock_guard lock(state.mutex);
-        state.caching = false;
-        std::swap(state.record, record);
-    }
-    if (record) {
-        std::unique_lock lock(state.output);
-        const bool sound = record->close();
-        lock.unlock();
-        if (!sound)
-            sendMsg("common", MSGTYPE_WARNING, "@17-5154@%s\n", record->path());
-    }
-    {
-        std::lock_guard lock(state.mutex);
-        state.ids.clear();
-        state.bySeverity = {};
         state.held.clear();
         state.heldBytes = 0;
         state.issued.clear();
-        state.cache.clear();
-        state.sinks[static_cast<std::size_t>(Destination::console)] = nullptr;
+        state.scopes.clear();
+        state.help.clear();
+        state.current = ComMsgMgrSrcHandle();
     }
+    ComMsgMgrSrcHandle().source().clear();
     state.echo = true;
-    state.allToConsole = false;
     state.issuedError = false;
+    state.caching = false;
+    state.translating = false;
+    state.stamping = false;
+    state.limiting = true;
     state.visibility = 0;
+    state.modes = MODE_DEFAULT;
     ComMsgMgrDb::clear();
+    com_msg_mgr::forget_keys();
 }
 
-ComMsgMgr::Admission ComMsgMgr::admit(std::string_view subsystem, MsgMask mask, std::string_view number) {
+ComMsgMgr::Admission ComMsgMgr::count(MsgMask mask, IdRecord* id) {
+    State& state = State::get();
+    SeverityCount& all = state.bySeverity[severity_index(mask)];
+    all.sent.fetch_add(1, std::memory_order_relaxed);
+    const unsigned ofSeverity = all.count.fetch_add(1, std::memory_order_relaxed) + 1;
+    const unsigned ofId = id ? id->count.fetch_add(1, std::memory_order_relaxed) + 1 : 0;
+    if (s_verboseDepth > 0 || !state.limiting.load(std::memory_order_relaxed))
+        return Admission::show;
+    if (id && ofId > limit_of(*id)) {
+        const bool told = id->noticed.load(std::memory_order_relaxed) || id->noticed.exchange(true);
+        return told ? Admission::stopped_by_limit : Admission::first_stopped_by_limit;
+    }
+    const std::int64_t limit = all.limit.load(std::memory_order_relaxed);
+    return limit != IdRecord::no_limit_of_its_own && ofSeverity > limit ? Admission::stopped_by_limit
+                                                                        : Admission::show;
+}
+
+ComMsgMgr::Ticket ComMsgMgr::admit(std::string_view subsystem, MsgMask mask, std::string_view number) {
     if (!is_visible(mask))
-        return Admission::unseen;
-    const std::size_t severity = severity_index(mask);
-    if (severity == no_severity)
-        return Admission::show;
-    if (isQuiet())
-        return Admission::unseen;
-    const std::string id = number.empty() ? std::string() : id_of(subsystem, number);
-    const unsigned usualLimit = default_limit();
-
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    Counter& all = state.bySeverity[severity];
-    ++all.count;
-    Counter* same = id.empty() ? nullptr : &state.ids[id];
-    if (same)
-        ++same->count;
-    if (s_verboseDepth > 0)
-        return Admission::show;
-    if (same && same->count > same->limit.value_or(usualLimit)) {
-        const bool first = !std::exchange(same->noticed, true);
-        return first ? Admission::first_stopped_by_limit : Admission::stopped_by_limit;
-    }
-    return all.limit && all.count > *all.limit ? Admission::stopped_by_limit : Admission::show;
+        return {Admission::unseen};
+    const bool counts = severity_index(mask) != no_severity;
+    if (counts && isQuiet())
+        return {Admission::unseen};
+    const com_msg_mgr::KeyRecord& key = com_msg_mgr::key_record(subsystem, number);
+    return {counts ? count(mask, key.id) : Admission::show, key.id, &key};
 }
 
-void ComMsgMgr::noticeLimit(const std::string& id) {
-    const unsigned limit = getMsgLimit(id);
+ComMsgMgr::Ticket ComMsgMgr::admitText(MsgMask mask, std::string_view id) {
+    if (!is_visible(mask))
+        return {Admission::unseen};
+    const bool counts = severity_index(mask) != no_severity;
+    if (counts && isQuiet())
+        return {Admission::unseen};
+    IdRecord* const record = id.empty() ? nullptr : &com_msg_mgr::id_record(id);
+    return {counts ? count(mask, record) : Admission::show, record};
+}
+
+void ComMsgMgr::noticeLimit(const IdRecord& id) {
+    const unsigned limit = limit_of(id);
     if (limit > 0)
-        emit(ComMsgMgrInstance("common", MSGTYPE_INFO, "@17-5153@%s%u\n", id, limit), Admission::show);
+        sendMsg("common", MSGTYPE_INFO, "@17-5153@%s%u\n", id.id, limit);
 }
 
-void ComMsgMgr::emit(const ComMsgMgrInstance& message, Admission admission) {
+template <class MakeInstance>
+void ComMsgMgr::conclude(const Ticket& ticket, MsgMask mask, std::string_view line,
+                         const MakeInstance& makeInstance) {
     State& state = State::get();
-    const Mask mask = message.getType();
-    const bool isError = mask & MSGTYPE_ERROR;
-    const bool show = admission == Admission::show;
-    const std::string text = show ? message.getMessage() : std::string();
-    {
+    const bool shown = ticket.isShown();
+    if (mask & MSGTYPE_ERROR) {
+        HeldError error{0, nullptr, std::string(without_line_end(line))};
+        if (!shown)
+            error.message = std::make_shared<const ComMsgMgrInstance>(makeInstance());
         std::lock_guard lock(state.mutex);
-        std::shared_ptr<const ComMsgMgrInstance> kept;
-        if (isError || (show && state.caching))
-            kept = std::make_shared<const ComMsgMgrInstance>(message);
-        if (isError)
-            state.noteError({++s_errorCount, kept, {}}, show ? without_line_end(text) : std::string_view());
-        if (show && state.caching)
-            state.cache.push_back(std::move(kept));
+        error.ordinal = ++s_errorCount;
+        state.noteError(std::move(error), without_line_end(line));
     }
-    if (show)
-        deliver(mask, message.id(), text);
-    else if (admission == Admission::first_stopped_by_limit)
-        noticeLimit(message.id());
+    if (state.caching.load(std::memory_order_relaxed) &&
+        (shown || ticket.admission == Admission::hidden_by_mode)) {
+        auto kept = std::make_shared<ComMsgMgrInstance>(makeInstance());
+        kept->setSuppressed(!shown);
+        ComMsgMgrSrcHandle().source().add(std::move(kept));
+    }
+    const std::string_view id = ticket.id ? std::string_view(ticket.id->id) : std::string_view();
+    if (shown && state.stamping.load(std::memory_order_relaxed)) {
+        std::string stamped(line);
+        stamp(stamped, mask);
+        com_msg_mgr::deliver(mask, id, stamped);
+    } else if (shown) {
+        com_msg_mgr::deliver(mask, id, line);
+    } else if (ticket.admission == Admission::first_stopped_by_limit) {
+        noticeLimit(*ticket.id);
+    }
+}
+
+void ComMsgMgr::emit(const Ticket& ticket, MsgMask mask, std::string_view key,
+                     std::span<const com_msg_mgr::ArgView> args) {
+    std::string line;
+    if (ticket.isShown()) {
+        line.reserve(240);
+        appendHead(line, mask, ticket.id->id);
+        const bool translate = ticket.key->translated && isMsgXlationOn();
+        if (const std::string* words = translate ? ticket.key->translated : ticket.key->words)
+            com_msg_mgr::append_words(line, *words, args);
+        else
+            com_msg_mgr::append_missing(line, args);
+        line += '\n';
+    }
+    conclude(ticket, mask, line, [&] {
+        std::vector<ComMsgMgrArg> owned;
+        for (const com_msg_mgr::ArgView& arg : args)
+            owned.push_back(std::visit([](const auto& value) { return com_msg_mgr::to_arg(value); }, arg));
+        return ComMsgMgrInstance::fromKey(ticket.key->subsystem, mask, key, std::move(owned));
+    });
+}
+
+void ComMsgMgr::emitText(const Ticket& ticket, MsgMask mask, std::string_view text) {
+    std::string line;
+    if (ticket.isShown()) {
+        const std::string_view id = ticket.id->id;
+        line.reserve(id.size() + text.size() + 24);
+        appendHead(line, mask, id);
+        line += text;
+        if (!text.ends_with('\n'))
+            line += '\n';
+    }
+    conclude(ticket, mask, line,
+             [&] { return ComMsgMgrInstance::fromText("common", mask, ticket.id->id, text); });
 }
 
 void ComMsgMgr::sendMsg(const ComMsgMgrInstance& message) {
-    const Admission admission = admit(message.subsystem(), message.getType(), message.number());
-    if (isWanted(admission, message.getType()))
-        emit(message, admission);
+    const MsgMask mask = message.getType();
+    const std::string ownId = message.number().empty() ? message.id() : std::string();
+    Ticket ticket = message.number().empty() ? admitText(mask, ownId)
+                                             : admit(message.subsystem(), mask, message.number());
+    if (ticket.isShown() && !(message.displayInModes() & State::get().modes))
+        ticket.admission = Admission::hidden_by_mode;
+    if (!ticket.isWanted(mask))
+        return;
+    if (!ownId.empty())
+        remember_help(ownId, message.text(), message.getDescription(), message.getResolution());
+    conclude(ticket, mask, ticket.isShown() ? message.getMessage() : std::string(), [&] { return message; });
 }
 
 void ComMsgMgr::sendMsgString(const std::string& subsystem, MsgMask mask, std::string_view text) {
     if (text.empty())
         return;
-    const Admission admission = admit(subsystem, mask, {});
-    if (!isWanted(admission, mask))
+    const Ticket ticket = admitText(mask, {});
+    if (!ticket.isWanted(mask))
         return;
 
     std::string made;
     if (const std::size_t severity = severity_index(mask); severity != no_severity) {
-        const std::string prefix = std::string(severities[severity].word) + ": ";
-        if (!text.starts_with(prefix))
-            made = prefix;
+        const std::string_view word = severities[severity].word;
+        if (!text.starts_with(word) || !text.substr(word.size()).starts_with(": "))
+            made.append(word).append(": ");
     }
     if (!made.empty() || text.back() != '\n') {
         made += text;
         if (made.back() != '\n')
             made += '\n';
-        text = made;
     }
-    const bool show = admission == Admission::show;
-    if (mask & MSGTYPE_ERROR) {
-        State& state = State::get();
-        const std::string_view line = without_line_end(text);
-        std::lock_guard lock(state.mutex);
-        state.noteError({++s_errorCount, nullptr, std::string(line)}, show ? line : std::string_view());
-    }
-    if (show)
-        deliver(mask, {}, text);
+    conclude(ticket, mask, made.empty() ? text : made,
+             [&] { return ComMsgMgrInstance::fromText(subsystem, mask, {}, text); });
+}
+
+void ComMsgMgr::sendMsgById(std::string_view prefix, int number, MsgMask mask, std::string_view text) {
+    std::string id;
+    id.reserve(prefix.size() + 12);
+    id.append(prefix).append(1, '-').append(std::to_string(number));
+    if (const Ticket ticket = admitText(mask, id); ticket.isWanted(mask))
+        emitText(ticket, mask, text);
+}
+
+void ComMsgMgr::sendFormattedMsg(const char*, int, std::string_view ssname, MsgMask mask,
+                                 std::string_view gid, std::string_view text, const std::string& description,
+                                 const std::string& resolution) {
+    const std::string id = std::string(ssname) + ' ' + std::string(gid);
+    const Ticket ticket = admitText(mask, id);
+    if (!ticket.isWanted(mask))
+        return;
+    remember_help(id, text, description, resolution);
+    emitText(ticket, mask, text);
+}
+
+void ComMsgMgr::sendScopedMsg(std::string_view scope, MsgMask mask, std::string_view text) {
+    if (hasScope(scope) < static_cast<int>(mask & 0xF) && !is_visible(mask))
+        return;
+    const std::string line = std::string(text) + (text.ends_with('\n') ? "" : "\n");
+    conclude({Admission::show}, mask, line,
+             [&] { return ComMsgMgrInstance::fromText("common", mask, {}, text); });
+}
+
+void ComMsgMgr::appendHead(std::string& line, MsgMask mask, std::string_view id) {
+    const std::string_view word = head_word(mask);
+    if (word.empty())
+        return;
+    line.append(word).append(": ");
+    if (!id.empty())
+        line.append(1, '[').append(id).append("] ");
 }
 
 ComMsgMgr::MsgMask ComMsgMgr::msgStr2Type(std::string_view word) {
@@ -422,11 +435,49 @@ ComMsgMgr::MsgMask ComMsgMgr::msgStr2Type(std::string_view word) {
 }
 
 std::string_view ComMsgMgr::msgType2Str(MsgMask mask) {
-    if (mask == MSGTYPE_ANY)
-        return "ANY";
-    if (const std::size_t severity = severity_index(mask); severity != no_severity)
-        return severities[severity].word;
-    return mask & MSGTYPE_TRACE ? "TRACE" : "";
+    return mask == MSGTYPE_ANY ? "ANY" : head_word(mask);
+}
+
+ComMsgMgr::MetaType ComMsgMgr::metaStr2Type(std::string_view word) {
+    static constexpr std::pair<std::string_view, MetaType> types[] = {
+        {"file", MetaType::file},   {"line", MetaType::line_number}, {"pin", MetaType::pin},
+        {"block", MetaType::block}, {"reg", MetaType::reg},          {"operator", MetaType::operator_},
+        {"net", MetaType::net},     {"io_port", MetaType::io_port},  {"instance", MetaType::instance},
+        {"site", MetaType::site},
+    };
+    for (const auto& [name, type] : types)
+        if (name == word)
+            return type;
+    return MetaType::none;
+}
+
+bool ComMsgMgr::getHelpOnMessage(const std::string& given, std::string& text) {
+    std::string_view id = HSTStringUtils::trim(given);
+    if (id.starts_with('[') && id.ends_with(']'))
+        id = HSTStringUtils::trim(id.substr(1, id.size() - 2));
+    const std::size_t blank = id.rfind(' ');
+    if (blank != std::string_view::npos) {
+        const std::string_view alias = id.substr(0, blank), number = id.substr(blank + 1);
+        for (const std::string& subsystem : ComMsgMgrDb::subsystems()) {
+            const auto db = ComMsgMgrDb::of(subsystem);
+            if (!HSTStringUtils::iequals(db->alias(), alias))
+                continue;
+            if (const ComMsgMgrFile::Entry* entry = db->find(number)) {
+                text = help_text(db->alias() + ' ' + entry->number, {*db->words(number, isMsgXlationOn()),
+                                                                     entry->description, entry->resolution});
+                return true;
+            }
+        }
+    }
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    if (const auto found = state.help.find(id); found != state.help.end()) {
+        text = help_text(found->first, found->second);
+        return true;
+    }
+    text = "No message has the id '" + given +
+           "'. An id is what stands between brackets in a message, such as 'Common 17-153'.";
+    return false;
 }
 
 bool ComMsgMgr::isTclEchoOn() {
@@ -446,6 +497,52 @@ int ComMsgMgr::getVisibility() {
     return State::get().visibility;
 }
 
+void ComMsgMgr::addScope(const std::string& scope, int level) {
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    state.scopes.insert_or_assign(scope, level);
+}
+
+int ComMsgMgr::hasScope(std::string_view scope) {
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    const auto found = state.scopes.find(scope);
+    return found == state.scopes.end() ? 0 : found->second;
+}
+
+void ComMsgMgr::removeScope(std::string_view scope) {
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    if (const auto found = state.scopes.find(scope); found != state.scopes.end())
+        state.scopes.erase(found);
+}
+
+void ComMsgMgr::resetScope() {
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    state.scopes.clear();
+}
+
+bool ComMsgMgr::isMsgXlationOn() {
+    return State::get().translating;
+}
+void ComMsgMgr::turnOnMsgXlation() {
+    State::get().translating = true;
+}
+void ComMsgMgr::turnOffMsgXlation() {
+    State::get().translating = false;
+}
+
+bool ComMsgMgr::isTimeStampOn() {
+    return State::get().stamping;
+}
+void ComMsgMgr::turnOnTimeStamp() {
+    State::get().stamping = true;
+}
+void ComMsgMgr::turnOffTimeStamp() {
+    State::get().stamping = false;
+}
+
 std::string ComMsgMgr::firstErrorLineSince(std::uint64_t count) {
     State& state = State::get();
     HeldError error;
@@ -463,6 +560,8 @@ std::string ComMsgMgr::firstErrorLineSince(std::uint64_t count) {
 
 void ComMsgMgr::beginCommand() {
     State& state = State::get();
+    for (SeverityCount& severity : state.bySeverity)
+        severity.sentAtCommand = severity.sent.load();
     std::lock_guard lock(state.mutex);
     state.issued.clear();
 }
@@ -481,119 +580,131 @@ void ComMsgMgr::clearIssuedError() {
 }
 
 unsigned ComMsgMgr::getMsgCount(MsgMask severity) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
     unsigned count = 0;
     for (std::size_t i = 0; i < severities.size(); ++i)
         if (severity & severities[i].mask)
-            count += state.bySeverity[i].count;
+            count += State::get().bySeverity[i].count;
+    return count;
+}
+
+unsigned ComMsgMgr::getTclMsgCount(MsgMask severity) {
+    unsigned count = 0;
+    for (std::size_t i = 0; i < severities.size(); ++i)
+        if (severity & severities[i].mask)
+            count += State::get().bySeverity[i].sent - State::get().bySeverity[i].sentAtCommand;
     return count;
 }
 
 unsigned ComMsgMgr::getMsgCount(const std::string& id) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    const auto found = state.ids.find(id);
-    return found == state.ids.end() ? 0 : found->second.count;
+    const IdRecord* record = com_msg_mgr::find_id(id);
+    return record ? record->count.load() : 0;
 }
 
 void ComMsgMgr::resetMsgCount(const std::string& pattern) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    for (auto& [id, counter] : state.ids)
-        if (HSTStringUtils::glob_match(pattern, id))
-            counter.reset();
+    com_msg_mgr::for_each_id([&pattern](IdRecord& id) {
+        if (HSTStringUtils::glob_match(pattern, id.id))
+            id.reset_count();
+    });
 }
 
 void ComMsgMgr::resetAllMsgCounts(bool ids, bool bySeverity) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
     if (ids)
-        for (auto& [id, counter] : state.ids)
-            counter.reset();
+        com_msg_mgr::for_each_id([](IdRecord& id) { id.reset_count(); });
     if (bySeverity)
-        for (Counter& counter : state.bySeverity)
-            counter.reset();
+        for (SeverityCount& severity : State::get().bySeverity)
+            severity.count = 0;
 }
 
 void ComMsgMgr::setLifetimeErrorCount(unsigned count) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    state.bySeverity[severity_index(MSGTYPE_ERROR)].count = count;
+    State::get().bySeverity[severity_index(MSGTYPE_ERROR)].count = count;
 }
 
 void ComMsgMgr::setMsgLimit(unsigned limit, const std::string& id) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    state.ids[id].limit = limit;
+    com_msg_mgr::id_record(id).limit = limit;
 }
 
 unsigned ComMsgMgr::getMsgLimit(const std::string& id) {
-    const unsigned usualLimit = default_limit();
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    const auto found = state.ids.find(id);
-    return found == state.ids.end() ? usualLimit : found->second.limit.value_or(usualLimit);
+    const IdRecord* record = com_msg_mgr::find_id(id);
+    return record ? limit_of(*record) : default_limit();
 }
 
 void ComMsgMgr::resetMsgLimit(const std::string& id) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    if (const auto found = state.ids.find(id); found != state.ids.end())
-        found->second.limit.reset();
+    if (IdRecord* record = com_msg_mgr::find_id(id))
+        record->limit = IdRecord::no_limit_of_its_own;
 }
 
 void ComMsgMgr::setMsgLimit(unsigned limit, MsgMask severity) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
     for (std::size_t i = 0; i < severities.size(); ++i)
         if (severity & severities[i].mask)
-            state.bySeverity[i].limit = limit;
+            State::get().bySeverity[i].limit = limit;
 }
 
 unsigned ComMsgMgr::getMsgLimit(MsgMask severity) {
     const std::size_t i = severity_index(severity);
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    return i == no_severity ? UINT_MAX : state.bySeverity[i].limit.value_or(UINT_MAX);
+    const std::int64_t limit =
+        i == no_severity ? IdRecord::no_limit_of_its_own : State::get().bySeverity[i].limit.load();
+    return limit == IdRecord::no_limit_of_its_own ? UINT_MAX : static_cast<unsigned>(limit);
 }
 
 void ComMsgMgr::resetMsgLimit(MsgMask severity) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
     for (std::size_t i = 0; i < severities.size(); ++i)
         if (severity & severities[i].mask)
-            state.bySeverity[i].limit.reset();
+            State::get().bySeverity[i].limit = IdRecord::no_limit_of_its_own;
+}
+
+void ComMsgMgr::disableMsgLimitCheck() {
+    State::get().limiting = false;
+}
+void ComMsgMgr::enableMsgLimitCheck() {
+    State::get().limiting = true;
 }
 
 std::vector<std::shared_ptr<const ComMsgMgrInstance>> ComMsgMgr::getMessages(MsgMask mask) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
     std::vector<std::shared_ptr<const ComMsgMgrInstance>> result;
-    std::copy_if(state.cache.begin(), state.cache.end(), std::back_inserter(result),
-                 [mask](const auto& message) { return (message->getType() & mask) != 0; });
+    getMessages(result, getRootMsgSrcHandle(), mask);
     return result;
 }
 
-void ComMsgMgr::turnOnMsgCache() {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    state.caching = true;
+void ComMsgMgr::getMessages(std::vector<std::shared_ptr<const ComMsgMgrInstance>>& list,
+                            const ComMsgMgrSrcHandle& source, MsgMask mask) {
+    source.source().get(list, mask);
 }
 
+void ComMsgMgr::turnOnMsgCache() {
+    State::get().caching = true;
+}
 void ComMsgMgr::turnOffMsgCache() {
+    State::get().caching = false;
+}
+
+ComMsgMgrSrcHandle ComMsgMgr::getRootMsgSrcHandle() {
+    return ComMsgMgrSrcHandle();
+}
+
+ComMsgMgrSrcHandle ComMsgMgr::getCurrentMsgSrcHandle() {
     State& state = State::get();
     std::lock_guard lock(state.mutex);
-    state.caching = false;
+    return state.current;
+}
+
+void ComMsgMgr::setCurrentMsgSrcHandle(const ComMsgMgrSrcHandle& source) {
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    state.current = source;
 }
 
 std::shared_ptr<ComMsgMgrSink> ComMsgMgr::setSink(Destination where, std::shared_ptr<ComMsgMgrSink> sink) {
-    State& state = State::get();
-    std::lock_guard lock(state.mutex);
-    std::swap(state.sinks[static_cast<std::size_t>(where)], sink);
-    return sink;
+    return com_msg_mgr::set_sink(static_cast<std::size_t>(where), std::move(sink));
 }
 
 void ComMsgMgr::setAllToConsole(bool all) {
-    State::get().allToConsole = all;
+    com_msg_mgr::set_all_to_console(all);
+}
+
+ComMsgMgr::OperatingMode ComMsgMgrProjIface::getOperatingMode() {
+    return State::get().modes;
+}
+
+void ComMsgMgrProjIface::setOperatingMode(ComMsgMgr::OperatingMode modes) {
+    State::get().modes = modes;
 }

@@ -2,22 +2,20 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/msg/ComMsgMgrInstance.h"
+#include "platform/msg/ComMsgMgrSink.h"
+#include "platform/msg/ComMsgMgrSrcHandle.h"
 
-/// Where messages end: the console, the log, the journal. A seam that tests stand in for.
-class ComMsgMgrSink {
-public:
-    virtual ~ComMsgMgrSink() = default;
-    /// Takes whole lines: `text` ends in a line end. May be called on any thread, one call at a time for the
-    /// log and the journal; calls for the console may overlap. Must not throw.
-    virtual void write(std::string_view text) = 0;
-};
+namespace com_msg_mgr {
+struct IdRecord;
+struct KeyRecord;
+} // namespace com_msg_mgr
 
 /// The message manager: every line that the tool shows goes through it. It gives a message its id and words,
 /// counts it, and takes it to console, log and journal by the bits of its mask:
@@ -33,11 +31,21 @@ public:
 ///
 /// A mask of several destination bits goes once to each place that one of them names; a severity bit outranks
 /// them. All operations may be called on any thread. Every message is written whole: lines of two threads
-/// never mix. State is guarded by one mutex inside the implementation; a second one is held while the log and
-/// the journal are written, so that both see one order. No lock is held while the console is written.
+/// never mix. Counts and switches are atomic; one lock is held while the log and the journal are written, so
+/// that both see one order. No lock is held while the console is written.
+///
+/// Visibility, operating mode and limits are looked at before a message is formatted: what is not shown costs
+/// little.
 class ComMsgMgr {
 public:
     using MsgMask = ComMsgMgrMask;
+    using MetaType = ComMsgMgrInstance::MetaType;
+    using OperatingMode = ComMsgMgrInstance::OperatingMode;
+
+    /// Operating modes.
+    static constexpr OperatingMode MODE_DEFAULT = 1;
+    static constexpr OperatingMode MODE_OOC = 2;
+    static constexpr OperatingMode MODE_ALL = -1;
 
     static constexpr MsgMask MSGTYPE_ADVISORY = 0x40000000;
     static constexpr MsgMask MSGTYPE_ERROR = 0x20000000;
@@ -85,17 +93,30 @@ public:
     template <class... Args>
     static void sendMsg(std::string_view subsystem, MsgMask mask,
                         com_msg_mgr::Key<std::type_identity_t<Args>...> key, const Args&... args) {
-        const Admission admission = admit(subsystem, mask, key.number());
-        if (isWanted(admission, mask))
-            emit(ComMsgMgrInstance(subsystem, mask, key, args...), admission);
+        const Ticket ticket = admit(subsystem, mask, key.number());
+        if (ticket.isWanted(mask)) {
+            const com_msg_mgr::ArgView views[sizeof...(Args) + 1] = {com_msg_mgr::to_view(args)...};
+            emit(ticket, mask, key.text(), {views, sizeof...(Args)});
+        }
     }
-    /// Sends a prepared message.
+    /// Sends a prepared message. Outside of its operating modes it is counted and kept, but not shown.
     static void sendMsg(const ComMsgMgrInstance& message);
     static void sendMessage(const ComMsgMgrInstance& message) { sendMsg(message); }
     /// Sends a text without an id. With a severity in the mask the line is "<SEVERITY>: <text>", unless the
     /// text begins that way already (it is then a message line made elsewhere, and is shown as it is). A line
     /// end is added where there is none. An empty text shows nothing.
     static void sendMsgString(const std::string& subsystem, MsgMask mask, std::string_view text);
+    /// Sends a complete text under the id "<prefix>-<number>", such as "Common 17" and 1. A line end is added
+    /// where there is none.
+    static void sendMsgById(std::string_view prefix, int number, MsgMask mask, std::string_view text);
+    /// Sends a complete text under the id "<ssname> <gid>". Description and resolution, which may be empty,
+    /// are what getHelpOnMessage() tells of the id from now on. File and line are those of the sender.
+    static void sendFormattedMsg(const char* file, int line, std::string_view ssname, MsgMask mask,
+                                 std::string_view gid, std::string_view text, const std::string& description,
+                                 const std::string& resolution);
+    /// Sends a trace text of the level in the mask's low bits, shown while the scope has been added with at
+    /// least this level, or the level is visible at large.
+    static void sendScopedMsg(std::string_view scope, MsgMask mask, std::string_view text);
 
     /// The mask of a severity word in upper case ("ERROR", "CRITICAL WARNING", ...; "ANY" and "ALL" give
     /// MSGTYPE_ANY), 0 for any other word.
@@ -103,6 +124,13 @@ public:
     /// The word of the most serious severity in the mask ("TRACE" for a trace message, "ANY" for
     /// MSGTYPE_ANY), empty without one.
     static std::string_view msgType2Str(MsgMask mask);
+    /// What a meta type word ("file", "line", "pin", "block", "reg", "operator", "net", "io_port",
+    /// "instance", "site") stands for; none for any other word.
+    static MetaType metaStr2Type(std::string_view word);
+
+    /// Makes `text` the words, the description and the resolution of a message, `id` being what the user saw
+    /// between the brackets, with or without them. False for an unknown message; `text` then says so.
+    static bool getHelpOnMessage(const std::string& id, std::string& text);
 
     /// Command echo: while off, MSGTYPE_TRACED_COMMAND, MSGTYPE_USER_COMMAND and MSGTYPE_SESSION_COMMAND
     /// go nowhere. On at the start.
@@ -114,6 +142,24 @@ public:
     static void setVisibility(int level);
     static int getVisibility();
     static void resetVisibility() { setVisibility(0); }
+
+    /// Scopes: names under which trace texts are sent, each visible up to a level of its own. hasScope gives
+    /// the level, 0 for a scope that was not added.
+    static void addScope(const std::string& scope, int level);
+    static int hasScope(std::string_view scope);
+    static void removeScope(std::string_view scope);
+    static void resetScope();
+
+    /// Whether the words of messages are translated to the user's language where the installation has them.
+    /// Off at the start.
+    static bool isMsgXlationOn();
+    static void turnOnMsgXlation();
+    static void turnOffMsgXlation();
+
+    /// Whether the date and time stand behind the id of each message. Off at the start.
+    static bool isTimeStampOn();
+    static void turnOnTimeStamp();
+    static void turnOffTimeStamp();
 
     /// ERROR messages sent in this process, shown or stopped by a limit, but not those under a QuietScope.
     /// One atomic read: the dispatcher samples it around each command.
@@ -141,6 +187,8 @@ public:
     static void resetAllMsgCounts(bool ids, bool severities);
     static unsigned getLifetimeErrorCount() { return getMsgCount(MSGTYPE_ERROR); }
     static void setLifetimeErrorCount(unsigned count);
+    /// Messages with a severity that were sent since the last beginCommand(). No reset touches this count.
+    static unsigned getTclMsgCount(MsgMask severity);
 
     /// How often a message of an id is shown before it falls silent (one notice tells so). An id without a
     /// limit of its own has that of the parameter messaging.defaultLimit; 0 means no message at all,
@@ -152,12 +200,25 @@ public:
     static void setMsgLimit(unsigned limit, MsgMask severity);
     static unsigned getMsgLimit(MsgMask severity);
     static void resetMsgLimit(MsgMask severity);
+    /// Whether limits count at all. They do at the start.
+    static void disableMsgLimitCheck();
+    static void enableMsgLimitCheck();
 
-    /// Messages with an id kept since MSGCACHE_ON, of any severity in the mask, in the order of sending.
+    /// Messages and texts kept since MSGCACHE_ON, of any bit in the mask, in the order of sending: all that
+    /// was shown, and what the operating mode kept from being shown. Of very many (256 MiB) the oldest are
+    /// given up.
     static std::vector<std::shared_ptr<const ComMsgMgrInstance>> getMessages(MsgMask mask);
+    /// The same of one source, appended to the list.
+    static void getMessages(std::vector<std::shared_ptr<const ComMsgMgrInstance>>& list,
+                            const ComMsgMgrSrcHandle& source, MsgMask mask);
     /// Switch the keeping of messages during a session.
     static void turnOnMsgCache();
     static void turnOffMsgCache();
+    /// The session's own messages.
+    static ComMsgMgrSrcHandle getRootMsgSrcHandle();
+    /// The source that queries without a source look at; the session's own at the start.
+    static ComMsgMgrSrcHandle getCurrentMsgSrcHandle();
+    static void setCurrentMsgSrcHandle(const ComMsgMgrSrcHandle& source);
 
     /// While one lives on a thread, messages with a severity that this thread sends are neither shown nor
     /// counted; plain output is shown. They nest.
@@ -186,18 +247,39 @@ public:
     /// With true every message goes to the console too, whatever its mask.
     static void setAllToConsole(bool all);
 
+    /// Appends "<SEVERITY>: [<id>] ", without the brackets for an empty id; nothing for a mask that is a
+    /// plain line of output.
+    static void appendHead(std::string& line, MsgMask mask, std::string_view id);
+
 private:
-    enum class Admission { show, stopped_by_limit, first_stopped_by_limit, unseen };
+    enum class Admission { show, stopped_by_limit, first_stopped_by_limit, hidden_by_mode, unseen };
+
+    /// What became of a message before it was formatted.
+    struct Ticket {
+        Admission admission;
+        com_msg_mgr::IdRecord* id = nullptr;         ///< null for a text without an id
+        const com_msg_mgr::KeyRecord* key = nullptr; ///< null without a key
+
+        bool isShown() const { return admission == Admission::show; }
+        /// Whether there is anything to do: an ERROR is noted even when it is not shown.
+        bool isWanted(MsgMask mask) const {
+            return isShown() || admission == Admission::first_stopped_by_limit ||
+                   admission == Admission::hidden_by_mode ||
+                   (admission == Admission::stopped_by_limit && (mask & MSGTYPE_ERROR));
+        }
+    };
 
     /// Counts a message and says whether it is shown. `number` is empty for a text without an id.
-    static Admission admit(std::string_view subsystem, MsgMask mask, std::string_view number);
-    /// Whether there is anything to do for a message: an ERROR is noted even when it is not shown.
-    static bool isWanted(Admission admission, MsgMask mask) {
-        return admission == Admission::show || admission == Admission::first_stopped_by_limit ||
-               (admission == Admission::stopped_by_limit && (mask & MSGTYPE_ERROR));
-    }
-    static void emit(const ComMsgMgrInstance& message, Admission admission);
-    static void noticeLimit(const std::string& id);
+    static Ticket admit(std::string_view subsystem, MsgMask mask, std::string_view number);
+    static Ticket admitText(MsgMask mask, std::string_view id);
+    static Admission count(MsgMask mask, com_msg_mgr::IdRecord* id);
+    static void emit(const Ticket& ticket, MsgMask mask, std::string_view key,
+                     std::span<const com_msg_mgr::ArgView> args);
+    static void emitText(const Ticket& ticket, MsgMask mask, std::string_view text);
+    template <class MakeInstance>
+    static void conclude(const Ticket& ticket, MsgMask mask, std::string_view line,
+                         const MakeInstance& makeInstance);
+    static void noticeLimit(const com_msg_mgr::IdRecord& id);
 
     inline static std::atomic<std::uint64_t> s_errorCount{0};
     inline static thread_local int s_quietDepth = 0;

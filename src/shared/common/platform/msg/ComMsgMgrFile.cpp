@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -199,13 +200,34 @@ bool is_plain_name(std::string_view name) {
            std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
 }
 
-/// The installed file of a subsystem, empty if there is none.
-std::string find_file(std::string_view subsystem) {
+/// The installed file of a subsystem, or its translation if a language is given; empty if there is none.
+std::string find_file(std::string_view subsystem, const std::string& language = {}) {
     if (!is_plain_name(subsystem))
         return {};
-    const std::string file = std::string(subsystem) + ".msg";
+    const std::string file = (language.empty() ? "" : language + '/') + std::string(subsystem) + ".msg";
     const std::string data = HUTEnv::getOMUDataDir("msg/" + file);
     return data.empty() ? std::string() : HUTPathUtils::join({data, "msg", file});
+}
+
+/// The user's language as directories are named, the more special one first: "de_AT", "de". None for the
+/// language that the texts are written in.
+std::vector<std::string> languages() {
+    std::string name;
+    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (name.empty())
+            name = HUTEnv::getEnv(variable, "");
+    name.resize(std::min(name.find_first_of(".@"), name.size()));
+    const std::string language = name.substr(0, name.find('_'));
+    if (!is_plain_name(name) || language == "C" || language == "POSIX" || language == "en")
+        return {};
+    return name == language ? std::vector{language} : std::vector{name, language};
+}
+
+std::string find_translation(std::string_view subsystem) {
+    for (const std::string& language : languages())
+        if (std::string path = find_file(subsystem, language); !path.empty())
+            return path;
+    return {};
 }
 
 void report(const ComMsgMgrFile& file) {
@@ -261,8 +283,14 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
     ComMsgMgrFile file(std::string(subsystem), find_file(subsystem));
     if (!file.path().empty())
         file.read();
+    ComMsgMgrFile translation(std::string(subsystem), find_translation(subsystem));
+    if (!translation.path().empty())
+        translation.read();
     const auto db = std::make_shared<ComMsgMgrDb>();
     db->m_alias = file.alias();
+    db->m_number = file.subsystemNumber();
+    for (const Entry& entry : translation.entries())
+        db->m_translations.emplace(entry.number, entry.text);
     if (db->m_alias.empty()) {
         db->m_alias = subsystem;
         if (!db->m_alias.empty())
@@ -277,8 +305,10 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
     std::shared_ptr<const ComMsgMgrDb> result = position->second;
     lock.unlock();
     // Only now that the subsystem is known: telling of a fault in the file of "common" looks texts up in it.
-    if (isNew)
+    if (isNew) {
         report(file);
+        report(translation);
+    }
     return result;
 }
 
@@ -290,4 +320,26 @@ void ComMsgMgrDb::clear() {
 const ComMsgMgrFile::Entry* ComMsgMgrDb::find(std::string_view number) const {
     const auto found = m_byNumber.find(number);
     return found == m_byNumber.end() ? nullptr : found->second;
+}
+
+const std::string* ComMsgMgrDb::words(std::string_view number, bool translated) const {
+    if (translated)
+        if (const auto found = m_translations.find(number); found != m_translations.end())
+            return &found->second;
+    const ComMsgMgrFile::Entry* entry = find(number);
+    return entry ? &entry->text : nullptr;
+}
+
+std::vector<std::string> ComMsgMgrDb::subsystems() {
+    std::vector<std::string> names;
+    for (const std::string& root : HUTEnv::getOMUAppRootList()) {
+        std::error_code error;
+        for (std::filesystem::directory_iterator it(root + "/data/msg", error), end; !error && it != end;
+             it.increment(error))
+            if (it->path().extension() == ".msg")
+                names.push_back(it->path().stem().string());
+    }
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,18 +61,29 @@ private:
 class ComMsgMgrDb {
 public:
     /// The words of a subsystem, read from data/msg/<subsystem>.msg under the application roots at the first
-    /// call and kept until clear(). Never null: a subsystem without a file has no entries and an alias made
-    /// from its name. Safe on any thread.
+    /// call and kept until clear(). Translations come from a file of the same form in data/msg/<language>,
+    /// the language being that of the variables LC_ALL, LC_MESSAGES and LANG ("de_AT", else "de"). Never
+    /// null: a subsystem without a file has no entries and an alias made from its name. Safe on any thread.
     static std::shared_ptr<const ComMsgMgrDb> of(std::string_view subsystem);
     /// Forgets what was read. Values handed out stay valid.
     static void clear();
 
     const std::string& alias() const { return m_alias; }
+    /// The number that the subsystem's keys begin with, 0 for a subsystem without a file.
+    unsigned subsystemNumber() const { return m_number; }
     /// The entry of a number such as "17-153", null if there is none.
     const ComMsgMgrFile::Entry* find(std::string_view number) const;
+    /// The words of a message: translated where that is asked for and there is a translation. Null if the
+    /// message is not known.
+    const std::string* words(std::string_view number, bool translated) const;
+
+    /// The names of all subsystems whose files are installed, sorted.
+    static std::vector<std::string> subsystems();
 
 private:
     std::string m_alias;
+    unsigned m_number = 0;
     std::vector<ComMsgMgrFile::Entry> m_entries;
     std::unordered_map<std::string_view, const ComMsgMgrFile::Entry*> m_byNumber;
+    std::map<std::string, std::string, std::less<>> m_translations; ///< words by number
 };

@@ -1,9 +1,5 @@
 #include "platform/msg/ComMsgMgrInstance.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdio>
-#include <optional>
 #include <stdexcept>
 
 #include "platform/msg/ComMsgMgr.h"
@@ -11,150 +7,23 @@
 
 namespace {
 
-constexpr bool is_digit(char c) {
-    return c >= '0' && c <= '9';
-}
+using com_msg_mgr::ArgView;
 
 /// "17-153" of "@17-153@%s".
 std::string_view number_of(std::string_view key) {
     return key.substr(1, key.find('@', 1) - 1);
 }
 
-std::string plain_form(const ComMsgMgrArg& arg) {
-    if (const auto* text = std::get_if<std::string>(&arg))
-        return *text;
-    if (const auto* number = std::get_if<std::int64_t>(&arg))
-        return std::to_string(*number);
-    if (const auto* number = std::get_if<std::uint64_t>(&arg))
-        return std::to_string(*number);
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%g", std::get<double>(arg));
-    return buffer;
+std::vector<ArgView> views_of(const std::vector<ComMsgMgrArg>& args) {
+    std::vector<ArgView> views;
+    views.reserve(args.size());
+    for (const ComMsgMgrArg& arg : args)
+        views.push_back(std::visit([](const auto& value) { return com_msg_mgr::to_view(value); }, arg));
+    return views;
 }
 
-/// One conversion of a text: "%-8.3f", "%2$s". Widths and precisions are bounded, so that a message file
-/// cannot ask for unreasonable memory.
-struct Conversion {
-    static constexpr int max_width = 1000;
-
-    std::optional<std::size_t> position;
-    std::string flags;
-    int width = 0;
-    int precision = -1;
-    char letter = 0;
-
-    /// Reads what follows a '%' at text[i]; on success i is behind the conversion.
-    static std::optional<Conversion> parse(std::string_view text, std::size_t& i) {
-        Conversion c;
-        std::size_t at = i;
-        const auto number = [&] {
-            int value = 0;
-            while (at < text.size() && is_digit(text[at]))
-                value = std::min(max_width, value * 10 + (text[at++] - '0'));
-            return value;
-        };
-        const std::size_t first = at;
-        if (const int n = number(); n > 0 && at < text.size() && text[at] == '$') {
-            c.position = static_cast<std::size_t>(n - 1);
-            ++at;
-        } else {
-            at = first;
-        }
-        while (at < text.size() && std::string_view("-+ 0#").find(text[at]) != std::string_view::npos)
-            c.flags += text[at++];
-        c.width = number();
-        if (at < text.size() && text[at] == '.') {
-            ++at;
-            c.precision = number();
-        }
-        while (at < text.size() && std::string_view("hlz").find(text[at]) != std::string_view::npos)
-            ++at;
-        if (at >= text.size() || std::string_view("scdiuxfge").find(text[at]) == std::string_view::npos)
-            return std::nullopt;
-        c.letter = text[at++];
-        i = at;
-        return c;
-    }
-
-    std::string spec(const char* length) const {
-        std::string result = "%" + flags;
-        if (width > 0)
-            result += std::to_string(width);
-        if (precision >= 0)
-            result += '.' + std::to_string(precision);
-        return result + length + letter;
-    }
-
-    template <class T>
-    static std::string print(const std::string& spec, T value) {
-        char buffer[2 * max_width + 512];
-        const int size = std::snprintf(buffer, sizeof buffer, spec.c_str(), value);
-        return std::string(buffer, std::min<std::size_t>(std::max(size, 0), sizeof buffer - 1));
-    }
-
-    /// The argument in this form, or in its own form where the two do not agree.
-    void append(std::string& out, const ComMsgMgrArg& arg) const {
-        const bool integral = letter == 'd' || letter == 'i' || letter == 'u' || letter == 'x';
-        const bool floating = letter == 'f' || letter == 'g' || letter == 'e';
-        if (const auto* value = std::get_if<std::int64_t>(&arg); value && integral) {
-            out += print(spec("ll"), static_cast<long long>(*value));
-        } else if (const auto* value = std::get_if<std::uint64_t>(&arg); value && integral) {
-            Conversion c = *this;
-            if (letter == 'd' || letter == 'i')
-                c.letter = 'u';
-            out += print(c.spec("ll"), static_cast<unsigned long long>(*value));
-        } else if (const auto* value = std::get_if<double>(&arg); value && floating) {
-            out += print(spec(""), *value);
-        } else {
-            appendText(out, plain_form(arg));
-        }
-    }
-
-    void appendText(std::string& out, std::string_view text) const {
-        if (precision >= 0 && letter == 's')
-            text = text.substr(0, static_cast<std::size_t>(precision));
-        const std::size_t fill =
-            std::max<std::ptrdiff_t>(0, width - static_cast<std::ptrdiff_t>(text.size()));
-        const bool left = flags.find('-') != std::string::npos;
-        out.append(left ? 0 : fill, ' ').append(text).append(left ? fill : 0, ' ');
-    }
-};
-
-/// Fills the arguments into the text. Nothing of an argument is read as a format, and a text that asks for an
-/// argument which is not there gets none.
-std::string format(std::string_view text, const std::vector<ComMsgMgrArg>& args) {
-    std::string out;
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t percent = std::min(text.find('%', i), text.size());
-        out.append(text, i, percent - i);
-        i = percent;
-        if (i >= text.size())
-            break;
-        ++i;
-        if (i < text.size() && text[i] == '%') {
-            out += '%';
-            ++i;
-        } else if (const auto conversion = Conversion::parse(text, i)) {
-            const std::size_t n = conversion->position.value_or(next);
-            next = n + 1;
-            if (n < args.size())
-                conversion->append(out, args[n]);
-        } else {
-            out += '%';
-        }
-    }
-    return out;
-}
-
-std::string text_missing(const std::vector<ComMsgMgrArg>& args) {
-    std::string out = "No text is installed for this message.";
-    const char* separator = " Its arguments are '";
-    for (const ComMsgMgrArg& arg : args) {
-        out += separator + plain_form(arg) + '\'';
-        separator = ", '";
-    }
-    return args.empty() ? out : out + '.';
+std::vector<ComMsgMgrArg> owned(std::vector<std::string> args) {
+    return {std::make_move_iterator(args.begin()), std::make_move_iterator(args.end())};
 }
 
 } // namespace
@@ -171,28 +40,133 @@ ComMsgMgrInstance ComMsgMgrInstance::fromKey(std::string_view subsystem, ComMsgM
     return ComMsgMgrInstance(subsystem, mask, key, std::move(args));
 }
 
+ComMsgMgrInstance ComMsgMgrInstance::fromText(std::string_view subsystem, ComMsgMgrMask mask,
+                                              std::string_view id, std::string_view text) {
+    ComMsgMgrInstance message(subsystem, mask, std::string_view("@@"), std::vector<ComMsgMgrArg>());
+    message.m_ownWords = true;
+    message.m_number = id;
+    message.m_words = text;
+    if (message.m_words.ends_with('\n'))
+        message.m_words.pop_back();
+    return message;
+}
+
+ComMsgMgrInstance ComMsgMgrInstance::createInstance(std::string_view subsystem, ComMsgMgrMask mask,
+                                                    std::string_view format, std::vector<std::string> args) {
+    ComMsgMgrInstance message = fromText(subsystem, mask, {}, format);
+    message.m_args = owned(std::move(args));
+    return message;
+}
+
+ComMsgMgrInstance::ComMsgMgrInstance(std::string_view subsystem, int number, bool, ComMsgMgrMask mask,
+                                     std::string_view format, std::vector<std::string> args)
+    : ComMsgMgrInstance(createInstance(subsystem, mask, format, std::move(args))) {
+    const auto db = ComMsgMgrDb::of(subsystem);
+    m_number = db->alias() + ' ';
+    if (db->subsystemNumber() > 0)
+        m_number += std::to_string(db->subsystemNumber()) + '-';
+    m_number += std::to_string(number);
+}
+
+ComMsgMgrInstance::ComMsgMgrInstance(std::string_view subsystem, ComMsgMgrMask mask,
+                                     const std::pair<std::string, unsigned>& gid, std::string_view format,
+                                     std::vector<std::string> args)
+    : ComMsgMgrInstance(createInstance(subsystem, mask, format, std::move(args))) {
+    m_number = ComMsgMgrDb::of(subsystem)->alias() + ' ' + gid.first + '-' + std::to_string(gid.second);
+}
+
+ComMsgMgrInstance::Extras& ComMsgMgrInstance::extras() {
+    auto own = m_extras ? std::make_shared<Extras>(*m_extras) : std::make_shared<Extras>();
+    Extras& result = *own;
+    m_extras = std::move(own);
+    return result;
+}
+
+void ComMsgMgrInstance::attachMetaType(std::size_t argument, MetaType type, const std::string& value,
+                                       const std::string& context) {
+    extras().metaTypes.push_back({argument, type, value, context});
+}
+
+const std::vector<ComMsgMgrInstance::Meta>& ComMsgMgrInstance::metaTypes() const {
+    static const auto& nothing = *new std::vector<Meta>;
+    return m_extras ? m_extras->metaTypes : nothing;
+}
+
+void ComMsgMgrInstance::setDescription(const std::string& text) {
+    extras().description = text;
+}
+
+void ComMsgMgrInstance::setResolution(const std::string& text) {
+    extras().resolution = text;
+}
+
+std::string ComMsgMgrInstance::getDescription() const {
+    if (m_extras && !m_extras->description.empty())
+        return m_extras->description;
+    const auto db = ComMsgMgrDb::of(m_subsystem);
+    const ComMsgMgrFile::Entry* entry = db->find(number());
+    return entry ? entry->description : std::string();
+}
+
+std::string ComMsgMgrInstance::getResolution() const {
+    if (m_extras && !m_extras->resolution.empty())
+        return m_extras->resolution;
+    const auto db = ComMsgMgrDb::of(m_subsystem);
+    const ComMsgMgrFile::Entry* entry = db->find(number());
+    return entry ? entry->resolution : std::string();
+}
+
+void ComMsgMgrInstance::setDisplayInModes(OperatingMode modes) {
+    extras().displayInModes = modes;
+}
+
+ComMsgMgrInstance::OperatingMode ComMsgMgrInstance::displayInModes() const {
+    return m_extras ? m_extras->displayInModes : -1;
+}
+
+bool ComMsgMgrInstance::isSuppressed() const {
+    return m_extras && m_extras->suppressed;
+}
+
+void ComMsgMgrInstance::setSuppressed(bool suppressed) {
+    if (suppressed != isSuppressed())
+        extras().suppressed = suppressed;
+}
+
 std::string ComMsgMgrInstance::id() const {
-    return ComMsgMgrDb::of(m_subsystem)->alias() + ' ' + m_number;
+    return m_ownWords ? m_number : ComMsgMgrDb::of(m_subsystem)->alias() + ' ' + m_number;
+}
+
+void ComMsgMgrInstance::appendText(std::string& out) const {
+    const std::vector<ArgView> args = views_of(m_args);
+    if (m_ownWords) {
+        com_msg_mgr::append_given(out, m_words, args);
+        return;
+    }
+    const auto db = ComMsgMgrDb::of(m_subsystem);
+    if (const std::string* words = db->words(m_number, ComMsgMgr::isMsgXlationOn()))
+        com_msg_mgr::append_words(out, *words, args);
+    else
+        com_msg_mgr::append_missing(out, args);
 }
 
 std::string ComMsgMgrInstance::text() const {
-    const auto db = ComMsgMgrDb::of(m_subsystem);
-    const ComMsgMgrFile::Entry* entry = db->find(m_number);
-    return entry ? format(entry->text, m_args) : text_missing(m_args);
+    std::string out;
+    appendText(out);
+    return out;
 }
 
 std::string ComMsgMgrInstance::line() const {
-    const std::string_view severity = ComMsgMgr::msgType2Str(m_mask);
-    if (severity.empty())
-        return text();
-    std::string line(severity);
-    return line.append(": [").append(id()).append("] ").append(text());
+    std::string out;
+    ComMsgMgr::appendHead(out, m_mask, id());
+    appendText(out);
+    return out;
 }
 
-std::size_t ComMsgMgrInstance::argBytes() const {
-    std::size_t bytes = m_args.size() * sizeof(ComMsgMgrArg);
+std::size_t ComMsgMgrInstance::bytes() const {
+    std::size_t sum = m_words.size() + m_args.size() * sizeof(ComMsgMgrArg);
     for (const ComMsgMgrArg& arg : m_args)
         if (const auto* text = std::get_if<std::string>(&arg))
-            bytes += text->size();
-    return bytes;
+            sum += text->size();
+    return sum;
 }

@@ -3,11 +3,15 @@
 #include <concepts>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
+
+#include "platform/msg/detail/MsgFormat.h"
 
 /// A message's severity or destination: one bit for each, named in ComMsgMgr.
 using ComMsgMgrMask = std::uint32_t;
@@ -69,20 +73,13 @@ constexpr bool fits_conversion(char conversion) {
 
 template <class T>
 ComMsgMgrArg to_arg(const T& value) {
-    if constexpr (std::is_same_v<T, char>)
-        return std::string(1, value);
-    else if constexpr (std::is_same_v<T, std::filesystem::path>)
-        return value.string();
-    else if constexpr (std::is_floating_point_v<T>)
-        return static_cast<double>(value);
-    else if constexpr (std::is_integral_v<T> && std::is_signed_v<T>)
-        return static_cast<std::int64_t>(value);
-    else if constexpr (std::is_integral_v<T>)
-        return static_cast<std::uint64_t>(value);
-    else if constexpr (std::is_pointer_v<T>)
-        return std::string(value ? value : "(null)");
-    else
-        return std::string(std::string_view(value));
+    const auto own = [](const auto& view) -> ComMsgMgrArg {
+        if constexpr (std::is_same_v<std::decay_t<decltype(view)>, std::string_view>)
+            return std::string(view);
+        else
+            return view;
+    };
+    return std::visit(own, to_view(value));
 }
 
 /// A message key such as "@17-153@%s\n", compared with the arguments that go with it when the code is
@@ -114,9 +111,21 @@ private:
 ///
 ///     throw HEXError(ComMsgMgrInstance("common", ComMsgMgr::MSGTYPE_ERROR, "@17-153@%s\n", name));
 ///
-/// Arguments may hold any bytes and have any length. All operations are safe on any thread.
+/// A message may also bring words of its own; each "%s" in them then takes the next argument, and all else
+/// stands as it is. Arguments may hold any bytes and have any length. Reading is safe on any thread.
 class ComMsgMgrInstance {
 public:
+    /// What an argument speaks of.
+    enum MetaType { none, file, line_number, pin, block, reg, operator_, net, io_port, instance, site };
+    struct Meta {
+        std::size_t argument; ///< from 0
+        MetaType type;
+        std::string value;
+        std::string context;
+    };
+    /// A bit set of the manager's operating modes.
+    using OperatingMode = int;
+
     /// \param key a literal; its conversions and the arguments must agree: %s text or path, %c char,
     /// %d %i %u %x integers, %f %g %e floating point numbers.
     template <class... Args>
@@ -130,32 +139,83 @@ public:
     static ComMsgMgrInstance fromKey(std::string_view subsystem, ComMsgMgrMask mask, std::string_view key,
                                      std::vector<ComMsgMgrArg> args);
 
+    /// A message with words of its own and no id. One line end at the end of the words is not part of them.
+    static ComMsgMgrInstance createInstance(std::string_view subsystem, ComMsgMgrMask mask,
+                                            std::string_view format, std::vector<std::string> args);
+    /// A message with words of its own whose id is that of its subsystem with a number: 5 of "common" is
+    /// "Common 17-5", 5 of a subsystem without messages "Mine 5". The flag is reserved and false.
+    ComMsgMgrInstance(std::string_view subsystem, int number, bool, ComMsgMgrMask mask,
+                      std::string_view format, std::vector<std::string> args);
+    /// The same with a number that has a prefix: {"ADRC", 123} of "Mine" is "Mine ADRC-123".
+    ComMsgMgrInstance(std::string_view subsystem, ComMsgMgrMask mask,
+                      const std::pair<std::string, unsigned>& gid, std::string_view format,
+                      std::vector<std::string> args);
+    /// A complete text under a complete id, which may be empty.
+    static ComMsgMgrInstance fromText(std::string_view subsystem, ComMsgMgrMask mask, std::string_view id,
+                                      std::string_view text);
+
+    /// Says what an argument speaks of, for windows that show more than text. \param argument counts from 0
+    void attachMetaType(std::size_t argument, MetaType type, const std::string& value,
+                        const std::string& context);
+    const std::vector<Meta>& metaTypes() const;
+
+    /// What the message means and what to do; help on messages shows it. Without them the database's hold.
+    void setDescription(const std::string& text);
+    void setResolution(const std::string& text);
+    std::string getDescription() const;
+    std::string getResolution() const;
+
+    /// The operating modes in which the message is shown; all of them at first.
+    void setDisplayInModes(OperatingMode modes);
+    OperatingMode displayInModes() const;
+
     const std::string& subsystem() const { return m_subsystem; }
     /// The severity that the message was made with.
     ComMsgMgrMask getType() const { return m_mask; }
-    /// The key's numbers, as "17-153".
-    std::string_view number() const { return m_number; }
+    /// The severity that the message had before rules changed it.
+    ComMsgMgrMask getDefaultSeverity() const { return m_mask; }
+    /// Whether the message was kept from being shown by the operating mode.
+    bool isSuppressed() const;
+    void setSuppressed(bool suppressed);
+
+    /// The key's numbers, as "17-153"; empty for a message with words of its own.
+    std::string_view number() const { return m_ownWords ? std::string_view() : std::string_view(m_number); }
     const std::vector<ComMsgMgrArg>& args() const { return m_args; }
 
-    /// The subsystem's alias and the key's numbers, as "Common 17-153".
+    /// The subsystem's alias and the key's numbers, as "Common 17-153", or the id that the sender gave; empty
+    /// for a message without one.
     std::string id() const;
-    /// The database's words with the arguments filled in, without a line end. A message that the database
-    /// does not know says so and lists its arguments.
+    /// The words with the arguments filled in, without a line end. A message that the database does not know
+    /// says so and lists its arguments.
     std::string text() const;
     /// The message as it is shown, "<SEVERITY>: [<Alias> <id>] <text>", without a line end. A message that is
     /// a plain line of output, by its mask, is its text alone.
     std::string line() const;
     /// line() with a line end.
     std::string getMessage() const { return line() + '\n'; }
-    /// The memory held by the arguments, in bytes.
-    std::size_t argBytes() const;
+    /// The memory held by the message's texts, in bytes.
+    std::size_t bytes() const;
 
 private:
+    struct Extras {
+        std::vector<Meta> metaTypes;
+        std::string description;
+        std::string resolution;
+        OperatingMode displayInModes = -1;
+        bool suppressed = false;
+    };
+
     ComMsgMgrInstance(std::string_view subsystem, ComMsgMgrMask mask, std::string_view key,
                       std::vector<ComMsgMgrArg> args);
+    /// What few messages have. Made when first written; copies of the message have their own.
+    Extras& extras();
+    void appendText(std::string& out) const;
 
     std::string m_subsystem;
     ComMsgMgrMask m_mask;
-    std::string m_number;
+    bool m_ownWords = false;
+    std::string m_number; ///< of the key; the whole id of a message with words of its own
+    std::string m_words;  ///< of the message's own
     std::vector<ComMsgMgrArg> m_args;
+    std::shared_ptr<const Extras> m_extras;
 };
