@@ -16,6 +16,9 @@ public:
     /// The whole text by which a collection with this context may show itself in place of its elements.
     virtual std::string string_rep() const = 0;
 
+    /// True if windows are not to hear of a change that is made to the whole collection.
+    virtual bool is_silent() const { return false; }
+
     /// Notes a value, and all that another context notes, as sources of elements.
     virtual void add(Tcl_Obj* source) = 0;
     virtual void add(const HTCICollectionContext& other) = 0;
