@@ -11,6 +11,7 @@
 #include "platform/env/HUTFile.h"
 #include "platform/env/HUTLogFileMgr.h"
 #include "platform/env/HUTMemUtils.h"
+#include "platform/env/HUTMemWatcher.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/param/HPAParamMgr.h"
 #include "platform/taskcore/DefaultSignalHandlers.h"
@@ -470,6 +471,7 @@ private:
         if (!sQuiet) {
             ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_SESSION_COMMAND, command.text() + "\n");
         }
+        const HUTMemWatcher watch("source " + script);
         return command.eval(TCL_EVAL_GLOBAL);
     }
 
