@@ -17,7 +17,9 @@ proc ::omu::features::define {command summary arguments body} {
     dict set declared $command [list $summary $arguments]
     namespace eval ::[namespace qualifiers $command] [list namespace export [namespace tail $command]]
     proc ::$command args [string map [list @command@ [list $command] @body@ $body] {
-        set args [::omu::features::parse @command@ $args]
+        if {[catch {::omu::features::parse @command@ $args} args]} {
+            return -code error -errorcode {CORVANE FEATURE USAGE} $args
+        }
         if {[dict size $args] == 0} return
         dict with args {}
         @body@
@@ -51,7 +53,7 @@ proc ::omu::features::parse {command words} {
             break
         }
         if {[catch {tcl::prefix match -message option [dict keys $switches] $word} switch]} {
-            refuse "$switch. Usage: [usage $command]"
+            error "$switch. Usage: [usage $command]"
         }
         if {$switch eq "-help"} {
             puts [help $command]
@@ -61,7 +63,7 @@ proc ::omu::features::parse {command words} {
         if {$kind eq "flag"} {
             set value 1
         } elseif {[llength $words] == 0} {
-            refuse "Option '$switch' of '$name' needs a value: [kind $kind]."
+            error "Option '$switch' of '$name' needs a value: [kind $kind]."
         } else {
             set value [lindex $words 0]
             set words [lrange $words 1 end]
@@ -72,14 +74,14 @@ proc ::omu::features::parse {command words} {
     foreach place $places {
         lassign $place variable kind
         if {[llength $words] == 0} {
-            refuse "Argument '$variable' of '$name' is missing. Usage: [usage $command]"
+            error "Argument '$variable' of '$name' is missing. Usage: [usage $command]"
         }
         check $kind [lindex $words 0] "argument '$variable' of '$name'"
         dict set values $variable [lindex $words 0]
         set words [lrange $words 1 end]
     }
     if {[llength $words]} {
-        refuse "'[lindex $words 0]' has no place among the arguments of '$name'. Usage: [usage $command]"
+        error "'[lindex $words 0]' has no place among the arguments of '$name'. Usage: [usage $command]"
     }
     # A command without arguments has a value too: only a request for help has none.
     dict set values args {}
@@ -88,17 +90,12 @@ proc ::omu::features::parse {command words} {
 
 proc ::omu::features::check {kind value where} {
     if {$kind eq "integer" && !([string is entier -strict $value] && $value >= 0)} {
-        refuse "'$value' is not a valid value for $where: expected [kind $kind]."
+        error "'$value' is not a valid value for $where: expected [kind $kind]."
     }
 }
 
 proc ::omu::features::kind {kind} {
     dict get {integer "an integer of zero or more" text "a value"} $kind
-}
-
-# Fails in the name of the command that was called.
-proc ::omu::features::refuse {message} {
-    return -code error -level [expr {[info level] - 1}] -errorcode {CORVANE FEATURE USAGE} $message
 }
 
 proc ::omu::features::usage {command} {

@@ -27,6 +27,7 @@ public:
         for (const std::string& name : get_option<std::vector<std::string>>("features")) {
             Features::hide(name);
         }
+        Tcl_ResetResult(interp);
         return TCL_OK;
     }
 };
