@@ -23,11 +23,15 @@ public:
     /// Takes back the last step, or brings it back; `interp` receives the reason when that fails. In an open
     /// group the commands that it holds so far are the last step. True if there was one and all of it
     /// succeeded; a step that fails half-way is first brought to where it was, and both stacks are then
-    /// cleared, since nothing is known of the state behind them.
+    /// cleared, since nothing is known of the state behind them. Tells what was undone by an INFO and what
+    /// failed by an ERROR. Within an undo or redo that is under way both do nothing and give false.
     bool undo(Tcl_Interp* interp);
     bool redo(Tcl_Interp* interp);
 
-    unsigned undoSize() const { return static_cast<unsigned>(m_undo.size()); }
+    /// The number of steps; what an open group holds counts as one.
+    unsigned undoSize() const {
+        return static_cast<unsigned>(m_undo.size()) + (m_open.commands.empty() ? 0 : 1);
+    }
     unsigned redoSize() const { return static_cast<unsigned>(m_redo.size()); }
     /// One line for each step, the next one first.
     void listUndo(std::string& text) const;
@@ -39,7 +43,7 @@ public:
     void disableUndoStack();
 
     /// Groups nest; commands between the outermost pair form one step. A group in which nothing happened
-    /// leaves no step. \param display whether the group's end shows when the step is undone
+    /// leaves no step. \param display whether it is told when the group is undone or redone; both must say so
     void startGroup(bool display);
     void endGroup(bool display);
     bool isInGroup() const { return m_groupDepth > 0; }
@@ -75,13 +79,18 @@ private:
 
     bool move_step(stack& from, stack& to, Tcl_Interp* interp, bool undoing);
     void push(step finished);
+    static std::string text_of(const command& one);
+    static std::string text_of(const step& one);
     static void list(const stack& steps, std::string& text);
+    static void tell(const step& moved, bool undoing);
+    static void tell_failure(const command& failed, Tcl_Interp* interp, bool undoing);
 
     stack m_undo; // the newest at the back
     stack m_redo;
     step m_open; // the group that is being filled
     int m_groupDepth = 0;
     int m_suspended = 0;
+    bool m_moving = false; // an undo or redo is under way
     bool m_enabled = true;
 };
 

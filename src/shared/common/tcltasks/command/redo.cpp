@@ -43,7 +43,9 @@ public:
         if (stack.isInGroup()) {
             ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-377@");
         }
-        stack.redo(interp);
+        if (stack.redo(interp)) {
+            Tcl_ResetResult(interp);
+        }
         return TCL_OK;
     }
 };

@@ -53,7 +53,9 @@ public:
         if (stack.isInGroup()) {
             ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-378@");
         }
-        stack.undo(interp);
+        if (stack.undo(interp)) {
+            Tcl_ResetResult(interp);
+        }
         return TCL_OK;
     }
 };
