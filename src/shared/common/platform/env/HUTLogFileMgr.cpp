@@ -316,6 +316,8 @@ void stream::fail() {
 }
 
 void stream::flush() {
+    if (size_ == 0)
+        return; // mostly so, since every command ends with a flush
     const std::lock_guard guard(lock_);
     if (fd_ >= 0)
         drain(size_);

@@ -130,12 +130,12 @@ int run(call_frame& frame, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv) {
         const std::shared_ptr<itask> task = frame.entry.factory->create_task();
         frame.task = task.get();
         frame.interruptible = task->install_sigint_handler();
-        halts = task->halt_flow_if_error_msg_detected();
         task_manager::warnIfDeprecated(interp, task.get());
         if (task->reportParams()) {
             report_parameters();
         }
         code = task->execute(interp, objc, objv);
+        halts = task->halt_flow_if_error_msg_detected(); // only now has the task read its options
         if (code == TCL_OK && task->affects_undo(interp, objc, objv)) {
             record_undo(task, interp, objc, objv);
         }
@@ -175,6 +175,8 @@ int dispatch(ClientData data, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv
     if (frame.outer) {
         frame.outer->nested += elapsed;
     }
+    // What a finished command has logged survives whatever ends the process next.
+    HUTLogFileMgr::flush();
     task_statistics& statistics = entry.statistics;
     ++statistics.calls;
     statistics.failures += code == TCL_ERROR;
@@ -378,9 +380,25 @@ void markTaskDescriptionLoaded(const std::string& name) {
 
 } // namespace taskmgr
 
+namespace {
+
+// Tcl itself forgets a cancellation only when it compiles a script at its outermost level. A host that
+// evaluates in another way would find every later command cancelled.
+void forget_cancellation() {
+    Tcl_Interp* interp = HTCTclInterp::getDefaultInterp();
+    if (interp && HTCTclInterp::threadOf(interp) == Tcl_GetCurrentThread() &&
+        Tcl_Canceled(interp, 0) != TCL_OK) {
+        const tclobj_ref nothing(Tcl_NewObj());
+        Tcl_EvalObjEx(interp, nothing.get(), TCL_EVAL_GLOBAL);
+    }
+}
+
+} // namespace
+
 task_manager::top_level::top_level(const std::string& command) {
     if (topLevelDepth++ == 0) {
         interrupts().requested = false;
+        forget_cancellation();
         ComMsgMgr::beginCommand();
     }
     HUTProcHandlers::recordCommand(command);
@@ -420,7 +438,8 @@ int deliver_interrupt(ClientData, Tcl_Interp* interp, int code) {
     if (running) {
         const HEXError interrupted({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-5012@\n"});
         // Tcl_CancelEval discards the object that it is given.
-        Tcl_CancelEval(running, HTCTclEncoding::tclNewStringObj(interrupted.what()), nullptr, TCL_CANCEL_UNWIND);
+        Tcl_CancelEval(running, HTCTclEncoding::tclNewStringObj(interrupted.what()), nullptr,
+                       TCL_CANCEL_UNWIND);
     }
     return code;
 }

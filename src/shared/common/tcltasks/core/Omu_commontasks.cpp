@@ -13,6 +13,7 @@
 #include "tcltasks/builtin/list_cmds/list_cmds.h"
 #include "tcltasks/command/HTCCommandInit.h"
 #include "tcltasks/driver/HTCDriverInit.h"
+#include "tcltasks/msgmgr/HTCMsgmgrInit.h"
 #include "tcltasks/param/HTCParamInit.h"
 #include "tcltasks/property/HTCPropertyInit.h"
 #include "tcltasks/utils/HTCUtilsInit.h"
@@ -51,6 +52,7 @@ const unit units[] = {
     {HTCPropertyInit::delete_cmds::init, HTCPropertyInit::delete_cmds::uninit},
     {HTCPropertyInit::HTCPListPropertyValue::init, HTCPropertyInit::HTCPListPropertyValue::uninit},
     {HTCPropertyInit::HTCPGetAttrSpecs::init, HTCPropertyInit::HTCPGetAttrSpecs::uninit},
+    {HTCMsgmgrInit::HTCMsgmgr::init, HTCMsgmgrInit::HTCMsgmgr::uninit},
     {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
     {HTCUtilsInit::HTCCheckEnv::init, HTCUtilsInit::HTCCheckEnv::uninit},
     {HTCUtilsInit::HTCLoadFeature::init, HTCUtilsInit::HTCLoadFeature::uninit},
