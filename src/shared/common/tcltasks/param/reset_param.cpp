@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "platform/param/HPAParamMgr.h"
+#include "platform/param/HTCParamUpdatedEvent.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
@@ -48,7 +49,9 @@ public:
             throw HTCErrors::command_failed("Parameter '" + name + "' does not exist");
         }
         manager.reset(name);
-        return set_result(interp, value_of(*param));
+        const std::string value = value_of(*param);
+        HUTGuiEvent::fire<HTCParamUpdatedEvent>(manager, name);
+        return set_result(interp, value);
     }
 };
 

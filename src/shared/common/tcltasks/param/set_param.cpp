@@ -1,6 +1,8 @@
 // common::set_param NAME VALUE
 // Sets a parameter and gives its new value. Fails, and changes nothing, for a value that does not fit.
 #include "platform/param/HPAParamHelper.h"
+#include "platform/param/HPAParamMgr.h"
+#include "platform/param/HTCParamUpdatedEvent.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
@@ -27,9 +29,11 @@ public:
     std::string owner() const override { return "common"; }
 
     int execute(Tcl_Interp* interp) override {
-        HPAParam& param = param_helper::find_param(get_option<std::string>("name"));
+        const auto name = get_option<std::string>("name");
+        HPAParam& param = param_helper::find_param(name);
         param.lifeCycleCheck();
         param_helper::set_value(param, get_option<std::string>("value"));
+        HUTGuiEvent::fire<HTCParamUpdatedEvent>(HPAParamMgr::getParamMgr(), name);
         return set_result(interp, param_helper::get_value(param));
     }
 };
