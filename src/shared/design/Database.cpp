@@ -22,6 +22,8 @@ Design& Database::add(std::unique_ptr<Design> design) {
         close(*old);
     current_ = design.get();
     designs_.push_back(std::move(design));
+    if (on_open_)
+        on_open_(*current_);
     return *current_;
 }
 
@@ -30,6 +32,8 @@ void Database::close(Design& design) {
                                  [&](const auto& candidate) { return candidate.get() == &design; });
     if (it == designs_.end())
         return;
+    if (on_close_)
+        on_close_(design);
     closed_.push_back(std::move(*it));
     designs_.erase(it);
     design.close();

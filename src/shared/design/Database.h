@@ -2,6 +2,7 @@
 
 #include "design/Design.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,6 +30,11 @@ public:
     void close(Design& design);
     void close_all();
 
+    /// Calls `hook` for each design that has been opened.
+    void on_open(std::function<void(const Design&)> hook) { on_open_ = std::move(hook); }
+    /// Calls `hook` for each design that is about to be closed, while its objects are still alive.
+    void on_close(std::function<void(const Design&)> hook) { on_close_ = std::move(hook); }
+
     /// Null if there is none.
     Design* current() const { return current_; }
     /// Throws Error(no_design) if there is none.
@@ -46,6 +52,7 @@ private:
     std::vector<std::unique_ptr<Design>> designs_;
     std::vector<std::unique_ptr<Design>> closed_;
     Design* current_ = nullptr;
+    std::function<void(const Design&)> on_open_, on_close_;
 };
 
 } // namespace design

@@ -435,6 +435,10 @@ const Design::Values* Design::values(ObjectClass cls, NameId property) const {
     return it == values_.end() ? nullptr : &it->second;
 }
 
+Design::Values& Design::values_for_change(ObjectClass cls, NameId property) {
+    return values_[{cls, property}];
+}
+
 Design::Sets Design::sets_of(ObjectClass cls, uint32_t index) const {
     const Netlist& n = *netlist_;
     switch (cls) {

@@ -99,7 +99,9 @@ public:
 
     /// Values set on objects of a class under a property name; null if there never was one.
     const Values* values(ObjectClass cls, NameId property) const;
-    Values& values_for_change(ObjectClass cls, NameId property) { return values_[{cls, property}]; }
+    Values& values_for_change(ObjectClass cls, NameId property);
+    /// Moves up when values are set under a name for the first time, for those who keep a PropertyReader.
+    uint64_t revision() const { return values_.size(); }
     const std::map<std::pair<ObjectClass, NameId>, Values>& all_values() const { return values_; }
 
     /// True if an object of the class may have a property of that name from the file.
@@ -153,6 +155,11 @@ private:
     mutable std::vector<std::pair<uint32_t, uint32_t>> ports_by_net_;
     mutable bool ports_sorted_ = false;
 };
+
+template <class T>
+T* ObjectRef::as() const {
+    return cls_ == T::object_class ? design().object<T>(index_) : nullptr;
+}
 
 template <>
 Netlist::Range Design::range<Cell>(const Scope& scope) const;

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/msg/HEX.h"
+
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 
 namespace design {
@@ -25,15 +26,19 @@ enum class Fault : uint8_t {
     no_design,
 };
 
-/// Every refusal of the netlist database. what() is a full sentence that names the offending value.
-class Error : public std::runtime_error {
+/// Every refusal of the netlist database.
+class Error : public HEXError {
 public:
-    Error(Fault fault, const std::string& text) : std::runtime_error(text), fault_(fault) {}
+    /// `text` is a full sentence that names the offending value.
+    Error(Fault fault, const std::string& text);
 
     Fault fault() const noexcept { return fault_; }
+    /// The sentence, without what the message adds to it.
+    const std::string& text() const noexcept { return text_; }
 
 private:
     Fault fault_;
+    std::string text_;
 };
 
 /// A netlist file whose content is refused. The byte offset counts from 0 and the line from 1, both in the

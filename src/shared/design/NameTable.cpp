@@ -34,15 +34,16 @@ uint32_t hash_of(std::string_view text) {
 
 } // namespace
 
-NameTable::NameTable() : slots_(first_slots, none) {}
+NameTable::NameTable() : slots_(first_slots) {}
 
 size_t NameTable::slot_of(std::string_view text, uint32_t hash) const noexcept {
     const size_t mask = slots_.size() - 1;
     size_t slot = hash & mask;
-    for (; slots_[slot] != none; slot = (slot + 1) & mask) {
-        const Entry* entry = entries_[slots_[slot]];
-        if (entry->hash == hash && entry->length == text.size() &&
-            std::memcmp(entry->text, text.data(), text.size()) == 0)
+    for (; slots_[slot].id != none; slot = (slot + 1) & mask) {
+        if (slots_[slot].hash != hash)
+            continue;
+        const Entry* entry = entries_[slots_[slot].id];
+        if (entry->length == text.size() && std::memcmp(entry->text, text.data(), text.size()) == 0)
             break;
     }
     return slot;
@@ -51,20 +52,20 @@ size_t NameTable::slot_of(std::string_view text, uint32_t hash) const noexcept {
 NameId NameTable::intern(std::string_view text) {
     const uint32_t hash = hash_of(text);
     const size_t slot = slot_of(text, hash);
-    if (slots_[slot] != none)
-        return slots_[slot];
+    if (slots_[slot].id != none)
+        return slots_[slot].id;
     if (text.size() >= longest_text || entries_.size() >= (size_t(1) << 31) - 1)
         throw std::length_error("too many names, or a name is too long");
     const NameId id = static_cast<NameId>(entries_.size());
-    entries_.push_back(store(text, hash));
-    slots_[slot] = id;
+    entries_.push_back(store(text));
+    slots_[slot] = {hash, id};
     if (entries_.size() * 3 > slots_.size() * 2)
         grow();
     return id;
 }
 
 NameId NameTable::find(std::string_view text) const noexcept {
-    return slots_[slot_of(text, hash_of(text))];
+    return slots_[slot_of(text, hash_of(text))].id;
 }
 
 std::string_view NameTable::text(NameId id) const noexcept {
@@ -72,7 +73,7 @@ std::string_view NameTable::text(NameId id) const noexcept {
     return {entry->text, entry->length};
 }
 
-NameTable::Entry* NameTable::store(std::string_view text, uint32_t hash) {
+NameTable::Entry* NameTable::store(std::string_view text) {
     const size_t bytes = (offsetof(Entry, text) + text.size() + 1 + 3) & ~size_t(3);
     char* place;
     if (bytes > block_size / 4) {
@@ -92,7 +93,6 @@ NameTable::Entry* NameTable::store(std::string_view text, uint32_t hash) {
         left_ -= bytes;
     }
     auto* entry = reinterpret_cast<Entry*>(place);
-    entry->hash = hash;
     entry->length = static_cast<uint32_t>(text.size());
     char* chars = place + offsetof(Entry, text);
     std::memcpy(chars, text.data(), text.size());
@@ -101,19 +101,21 @@ NameTable::Entry* NameTable::store(std::string_view text, uint32_t hash) {
 }
 
 void NameTable::grow() {
-    std::vector<NameId> slots(slots_.size() * 2, none);
+    std::vector<Slot> slots(slots_.size() * 2);
     const size_t mask = slots.size() - 1;
-    for (NameId id = 0; id < entries_.size(); ++id) {
-        size_t slot = entries_[id]->hash & mask;
-        while (slots[slot] != none)
+    for (const Slot& old : slots_) {
+        if (old.id == none)
+            continue;
+        size_t slot = old.hash & mask;
+        while (slots[slot].id != none)
             slot = (slot + 1) & mask;
-        slots[slot] = id;
+        slots[slot] = old;
     }
     slots_.swap(slots);
 }
 
 size_t NameTable::memory() const noexcept {
-    return block_bytes_ + entries_.memory() + slots_.capacity() * sizeof(NameId);
+    return block_bytes_ + entries_.memory() + slots_.capacity() * sizeof(Slot);
 }
 
 void NameTable::clear() {
@@ -121,7 +123,7 @@ void NameTable::clear() {
     free_ = nullptr;
     left_ = block_bytes_ = 0;
     entries_.clear();
-    slots_.assign(first_slots, none);
+    slots_.assign(first_slots, {});
     slots_.shrink_to_fit();
 }
 

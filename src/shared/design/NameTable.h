@@ -36,13 +36,18 @@ public:
 
 private:
     struct Entry {
-        uint32_t hash;
         uint32_t length;
         char text[1];
     };
 
+    /// The hash stands beside the number, so that a search looks at few texts that are not the right one.
+    struct Slot {
+        uint32_t hash;
+        NameId id = none;
+    };
+
     size_t slot_of(std::string_view text, uint32_t hash) const noexcept;
-    Entry* store(std::string_view text, uint32_t hash);
+    Entry* store(std::string_view text);
     void grow();
 
     std::vector<std::unique_ptr<char[]>> blocks_;
@@ -50,7 +55,7 @@ private:
     size_t left_ = 0;
     size_t block_bytes_ = 0;
     ChunkVector<const Entry*> entries_;
-    std::vector<NameId> slots_;
+    std::vector<Slot> slots_;
 };
 
 } // namespace design

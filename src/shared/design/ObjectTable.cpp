@@ -3,7 +3,7 @@
 #include <new>
 #include <sys/mman.h>
 
-namespace design::detail {
+namespace design::chunks {
 
 char* map_chunks(size_t count) {
     const size_t size = count * ObjectChunk::bytes;
@@ -27,4 +27,4 @@ void unmap_chunks(char* first, size_t count) noexcept {
     ::munmap(first, count * ObjectChunk::bytes);
 }
 
-} // namespace design::detail
+} // namespace design::chunks

@@ -23,13 +23,13 @@ struct ObjectChunk {
     }
 };
 
-namespace detail {
+namespace chunks {
 /// Address space for `count` chunks, aligned and zero. Throws std::bad_alloc.
 char* map_chunks(size_t count);
 /// Gives the memory back but keeps the addresses, which from now on read as zero.
 void retire_chunks(char* first, size_t count) noexcept;
 void unmap_chunks(char* first, size_t count) noexcept;
-} // namespace detail
+} // namespace chunks
 
 /// The objects of one class of one design, at addresses that never change and are never used again.
 ///
@@ -43,7 +43,7 @@ public:
     ObjectTable& operator=(const ObjectTable&) = delete;
     ~ObjectTable() {
         if (first_)
-            detail::unmap_chunks(first_, chunks());
+            chunks::unmap_chunks(first_, chunk_count());
     }
 
     /// Makes `count` objects, all zero; once in the life of a table.
@@ -51,8 +51,8 @@ public:
         size_ = count;
         if (count == 0)
             return;
-        first_ = detail::map_chunks(chunks());
-        for (size_t i = 0; i < chunks(); ++i) {
+        first_ = chunks::map_chunks(chunk_count());
+        for (size_t i = 0; i < chunk_count(); ++i) {
             auto* chunk = reinterpret_cast<ObjectChunk*>(first_ + i * ObjectChunk::bytes);
             chunk->design = design;
             chunk->first = static_cast<uint32_t>(i * per_chunk);
@@ -61,7 +61,7 @@ public:
 
     void retire() noexcept {
         if (first_)
-            detail::retire_chunks(first_, chunks());
+            chunks::retire_chunks(first_, chunk_count());
         first_ = nullptr;
         size_ = 0;
     }
@@ -84,7 +84,7 @@ public:
 private:
     static constexpr size_t per_chunk = (ObjectChunk::bytes - ObjectChunk::header_bytes) / sizeof(T);
 
-    size_t chunks() const noexcept { return (size_ + per_chunk - 1) / per_chunk; }
+    size_t chunk_count() const noexcept { return (size_ + per_chunk - 1) / per_chunk; }
 
     char* first_ = nullptr;
     uint32_t size_ = 0;

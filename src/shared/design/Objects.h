@@ -171,10 +171,10 @@ private:
 class ObjectRef {
 public:
     ObjectRef() = default;
-    ObjectRef(Design& design) : cls_(ObjectClass::design), design_(&design) {}
+    ObjectRef(Design& design) : design_(&design) {}
+    /// Throws Error(dead_object) for an object that is dead already.
     template <class T>
-    ObjectRef(T* object)
-        : cls_(T::object_class), index_(object->index()), design_(&object->design()), object_(object) {}
+    ObjectRef(T* object) : cls_(T::object_class), index_(object->index()), design_(&object->design()) {}
 
     ObjectClass object_class() const { return cls_; }
     uint32_t index() const { return index_; }
@@ -183,11 +183,9 @@ public:
     bool is_alive() const noexcept;
     std::string name() const;
 
-    /// The object as a T; null if it is of another class.
+    /// The object as a T; null if it is of another class. Throws Error(dead_object) when the design is gone.
     template <class T>
-    T* as() const {
-        return cls_ == T::object_class ? const_cast<T*>(static_cast<const T*>(object_)) : nullptr;
-    }
+    T* as() const;
 
     bool operator==(const ObjectRef& other) const = default;
 
@@ -195,7 +193,6 @@ private:
     ObjectClass cls_ = ObjectClass::design;
     uint32_t index_ = 0;
     Design* design_ = nullptr;
-    const void* object_ = nullptr;
 };
 
 } // namespace design

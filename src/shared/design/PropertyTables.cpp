@@ -31,7 +31,7 @@ PropertySpec computed(const char* name, const char* description) {
                     : std::is_same_v<Result, Direction> ? ValueType::enumeration
                                                         : ValueType::integer;
         if (spec.type == ValueType::enumeration)
-            spec.enum_values = {"unknown", "input", "output", "inout"};
+            spec.enum_values = {"unknown", "in", "out", "inout"};
         spec.number = [](const Design& d, uint32_t i) {
             return static_cast<int64_t>(std::invoke(read, object_at<T>(d, i)));
         };

@@ -2,6 +2,7 @@
 
 #include "design/Error.h"
 
+#include <algorithm>
 #include <set>
 
 namespace design {
@@ -363,6 +364,44 @@ std::vector<T*> filter_objects(std::vector<T*> objects, Filter& filter) {
         return !filter.matches(object->index());
     });
     return objects;
+}
+
+std::vector<ObjectRef> filter_objects(std::vector<ObjectRef> objects, Filter& filter) {
+    std::erase_if(objects, [&](const ObjectRef& object) { return !filter.matches(object); });
+    return objects;
+}
+
+std::vector<Design*> designs_of(std::span<const ObjectRef> objects) {
+    std::vector<Design*> designs;
+    for (const ObjectRef& object : objects)
+        if (std::find(designs.begin(), designs.end(), &object.design()) == designs.end())
+            designs.push_back(&object.design());
+    return designs;
+}
+
+std::vector<Design*> find_designs(const std::vector<Design*>& designs, const Query& query,
+                                  std::vector<std::string>* unmatched) {
+    std::vector<Pattern> patterns;
+    for (const std::string& text : query.patterns)
+        patterns.push_back(make_pattern(text, query));
+    std::vector<bool> used(patterns.size());
+    std::vector<Design*> result;
+    for (Design* design : designs) {
+        bool wanted = patterns.empty();
+        for (size_t p = 0; p < patterns.size(); ++p)
+            if (patterns[p].matches(design->name()) || (!query.regexp && design->name() == query.patterns[p]))
+                wanted = used[p] = true;
+        if (wanted)
+            result.push_back(design);
+    }
+    for (size_t p = 0; p < patterns.size() && unmatched; ++p)
+        if (!used[p])
+            unmatched->push_back(query.patterns[p]);
+    if (query.filter.empty())
+        return result;
+    Filter filter(query.filter, {query.regexp, query.nocase});
+    std::erase_if(result, [&](Design* design) { return !filter.matches(ObjectRef(*design)); });
+    return result;
 }
 
 template std::vector<Cell*> find_objects(const Design&, const Query&, std::vector<std::string>*);

@@ -45,6 +45,16 @@ template <class T>
 std::vector<T*> related_objects(std::span<const ObjectRef> objects, const Query& query,
                                 std::vector<std::string>* unmatched = nullptr);
 
+/// The designs among `designs` that the patterns and the filter accept.
+std::vector<Design*> find_designs(const std::vector<Design*>& designs, const Query& query,
+                                  std::vector<std::string>* unmatched = nullptr);
+
+/// The designs that objects belong to, each once.
+std::vector<Design*> designs_of(std::span<const ObjectRef> objects);
+
+/// Those that the filter accepts, in their order. Objects may be of several designs and classes.
+std::vector<ObjectRef> filter_objects(std::vector<ObjectRef> objects, Filter& filter);
+
 /// Those that the filter accepts, in their order. Objects may be of several designs.
 template <class T>
 std::vector<T*> filter_objects(std::vector<T*> objects, Filter& filter);

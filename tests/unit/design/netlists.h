@@ -95,7 +95,7 @@ std::string error_of(const Call& call) {
     try {
         call();
     } catch (const design::Error& error) {
-        return error.what();
+        return error.text();
     }
     ADD_FAILURE() << "nothing was refused";
     return {};

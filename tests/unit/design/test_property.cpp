@@ -53,11 +53,11 @@ TEST(Property, EachClassReadsItsOwn) {
     EXPECT_EQ(text_of(net, "bus_index"), "5");
     EXPECT_EQ(text_of(net, "bus_width"), "4");
     EXPECT_EQ(text_of(net, "is_constant"), "0");
-    EXPECT_EQ(text_of(pin, "direction"), "input");
+    EXPECT_EQ(text_of(pin, "direction"), "in");
     EXPECT_EQ(text_of(pin, "net"), "start[5]");
     EXPECT_EQ(text_of(pin, "cell"), "u_first");
     EXPECT_EQ(text_of(pin, "bit"), "1");
-    EXPECT_EQ(text_of(port, "direction"), "input");
+    EXPECT_EQ(text_of(port, "direction"), "in");
     EXPECT_EQ(text_of(port, "bus_index"), "0");
     EXPECT_EQ(text_of(*d, "top"), "blinker");
     EXPECT_EQ(text_of(*d, "module_count"), "4");

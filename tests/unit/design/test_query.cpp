@@ -142,7 +142,7 @@ TEST(Query, AFilterNarrows) {
     const auto d = make_design(tree);
     EXPECT_EQ(find<Cell>(*d, {}, true, "ref_name == FD"), (Names{"u0/r", "u1/r"}));
     EXPECT_EQ(find<Net>(*d, {}, true, "fanout >= 2 && !is_constant"), (Names{"clk", "u0/i", "u1/i"}));
-    EXPECT_EQ(find<Port>(*d, {}, false, "direction == output"), (Names{"q[0]", "q[1]"}));
+    EXPECT_EQ(find<Port>(*d, {}, false, "direction == out"), (Names{"q[0]", "q[1]"}));
     EXPECT_THROW(find<Cell>(*d, {"nosuch"}, false, "no_property == 1"), Error);
 }
 
@@ -162,7 +162,7 @@ TEST(Query, RelatesObjects) {
     EXPECT_EQ(related<Net>(find_one<Pin>(*d, "u0/r/Q")), (Names{"u0/m"}));
     EXPECT_EQ(related<Cell>(find_one<Pin>(*d, "u0/r/Q")), (Names{"u0/r"}));
     EXPECT_EQ(related<Cell>(*d), (Names{"u0", "u1", "g*1", "g/x"}));
-    EXPECT_EQ(related<Pin>(u0, {"?", "nosuch"}, "direction == output"), (Names{"u0/o"}));
+    EXPECT_EQ(related<Pin>(u0, {"?", "nosuch"}, "direction == out"), (Names{"u0/o"}));
     EXPECT_EQ(related<Cell>(u0, {"u0/r"}), (Names{"u0/r"}));
 }
 
