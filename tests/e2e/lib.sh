@@ -4,7 +4,8 @@
 
 set -uo pipefail
 
-app_root=$1
+sources=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)
+app_root=$(cd -- "$1" && pwd)
 corvane=$app_root/bin/corvane
 scratch=$(mktemp -d)
 trap 'rm -rf -- "$scratch"' EXIT
