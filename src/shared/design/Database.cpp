@@ -12,8 +12,9 @@ Database& Database::instance() {
     return database;
 }
 
-Design& Database::read(const std::string& path, std::string_view top) {
-    return add(std::make_unique<Design>(read_netlist_file(path), top, path));
+Design& Database::read(const std::string& path, std::string_view top,
+                       const std::function<bool()>& interrupted) {
+    return add(std::make_unique<Design>(read_netlist_file(path, interrupted), top, path));
 }
 
 Design& Database::add(std::unique_ptr<Design> design) {

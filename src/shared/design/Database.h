@@ -20,8 +20,10 @@ public:
     static Database& instance();
 
     /// Reads a netlist file, see Design for `top`; the design becomes current and takes the place of an open
-    /// one of the same name. If anything is refused, all designs stay as they were.
-    Design& read(const std::string& path, std::string_view top = {});
+    /// one of the same name. If anything is refused, or `interrupted` says yes on the way, all designs stay
+    /// as they were.
+    Design& read(const std::string& path, std::string_view top = {},
+                 const std::function<bool()>& interrupted = {});
 
     /// Takes over a design that was made otherwise, in the same way.
     Design& add(std::unique_ptr<Design> design);

@@ -38,6 +38,8 @@ ComMsgMgrInstance message_of(Fault fault, const std::string& text) {
         return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-14@%s\n", text};
     case Fault::no_design:
         return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-15@%s\n", text};
+    case Fault::interrupted:
+        return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-16@%s\n", text};
     }
     return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-1@%s\n", text};
 }

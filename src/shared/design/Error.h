@@ -24,6 +24,7 @@ enum class Fault : uint8_t {
     no_such_object,
     bad_query,
     no_design,
+    interrupted,
 };
 
 /// Every refusal of the netlist database.

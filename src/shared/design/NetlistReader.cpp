@@ -203,6 +203,24 @@ private:
     std::vector<uint32_t> slots_;
 };
 
+/// A source that ends with an Error once `interrupted` says so.
+class InterruptibleSource : public ByteSource {
+public:
+    InterruptibleSource(ByteSource& source, const std::string& path, const std::function<bool()>& interrupted)
+        : source_(source), path_(path), interrupted_(interrupted) {}
+
+    size_t read(char* buffer, size_t size) override {
+        if (interrupted_())
+            throw Error(Fault::interrupted, "Reading the netlist '" + path_ + "' was interrupted.");
+        return source_.read(buffer, size);
+    }
+
+private:
+    ByteSource& source_;
+    const std::string& path_;
+    const std::function<bool()>& interrupted_;
+};
+
 class NetlistParser {
 public:
     NetlistParser(ByteSource& source, const std::string& name)
@@ -761,9 +779,13 @@ std::unique_ptr<Netlist> read_netlist(ByteSource& source, const std::string& nam
     return parser.read();
 }
 
-std::unique_ptr<Netlist> read_netlist_file(const std::string& path) {
+std::unique_ptr<Netlist> read_netlist_file(const std::string& path,
+                                           const std::function<bool()>& interrupted) {
     const std::unique_ptr<ByteSource> source = open_byte_source(path);
-    return read_netlist(*source, path);
+    if (!interrupted)
+        return read_netlist(*source, path);
+    InterruptibleSource polled(*source, path, interrupted);
+    return read_netlist(polled, path);
 }
 
 } // namespace design

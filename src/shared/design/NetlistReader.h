@@ -3,6 +3,7 @@
 #include "design/ByteSource.h"
 #include "design/Netlist.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -13,7 +14,9 @@ namespace design {
 /// `name` is how messages call the file.
 std::unique_ptr<Netlist> read_netlist(ByteSource& source, const std::string& name);
 
-/// The same for a file, plain or in gzip form.
-std::unique_ptr<Netlist> read_netlist_file(const std::string& path);
+/// The same for a file, plain or in gzip form. `interrupted` is asked for each block of it; if it says yes,
+/// Error(interrupted) is thrown.
+std::unique_ptr<Netlist> read_netlist_file(const std::string& path,
+                                           const std::function<bool()>& interrupted = {});
 
 } // namespace design

@@ -61,6 +61,8 @@ TEST(Database, AFailedReadLeavesAllAsItWas) {
     EXPECT_THROW(database.read(cut), NetlistError);
     EXPECT_THROW(database.read(folder.file("nosuch.json")), Error);
     EXPECT_THROW(database.read(blinker_path(), "nosuch"), Error);
+    EXPECT_EQ(error_of([&] { database.read(blinker_path(), "", [] { return true; }); }),
+              "Reading the netlist '" + blinker_path() + "' was interrupted.");
     EXPECT_EQ(database.current(), &design);
     EXPECT_TRUE(cell->is_alive());
 }

@@ -120,9 +120,8 @@ TEST(JsonReader, TellsOffsetAndLine) {
     } catch (const NetlistError& error) {
         EXPECT_EQ(error.offset(), 17u);
         EXPECT_EQ(error.line(), 3u);
-        EXPECT_EQ(error.text(),
-                     "The netlist 'test' is refused at line 3, byte offset 17: this is not JSON: "
-                     "a value was expected here.");
+        EXPECT_EQ(error.text(), "The netlist 'test' is refused at line 3, byte offset 17: this is not JSON: "
+                                "a value was expected here.");
     }
 }
 

@@ -119,6 +119,25 @@ TEST(NetlistWriter, CompressesByTheName) {
     EXPECT_EQ(description(*again), description(*d));
 }
 
+TEST(NetlistWriter, TheSynthesisToolReadsIt) {
+    if (std::system("yosys -V >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "yosys is not installed";
+    TemporaryFolder folder;
+    const auto d = blinker();
+    set(find_one<Cell>(*d, "u_first"), "dont_touch", "1");
+    set(find_one<Cell>(*d, "u_first"), "note", "two words");
+    set(find_one<Port>(*d, "led[3]"), "slew", "fast");
+    write_netlist(*d, folder.file("n.json"), false);
+    // The tool checks the module, finds its cells and the attributes that were set.
+    const std::string command =
+        "cd '" + folder.file("") +
+        "' && yosys -q -p 'read_json n.json; hierarchy -check -top blinker; "
+        "select -assert-count 5 blinker/c:*; select -assert-count 1 c:u_first %ci:+a c:u_first; "
+        "select -assert-count 1 a:dont_touch=1; select -assert-count 1 blinker/c:u_first a:note=two* %i' "
+        ">log 2>&1";
+    EXPECT_EQ(std::system(command.c_str()), 0) << read_text(folder.file("log"));
+}
+
 TEST(NetlistWriter, KeepsAFileUnlessToldToReplaceIt) {
     TemporaryFolder folder;
     const auto d = blinker();

@@ -28,8 +28,8 @@ public:
     std::string owner() const override { return "design"; }
 
     int execute(Tcl_Interp* interp) override {
-        design::Design& d = design::Database::instance().read(get_option<std::string>("file"),
-                                                              get_option<std::string>("top"));
+        design::Design& d = design::Database::instance().read(
+            get_option<std::string>("file"), get_option<std::string>("top"), task_manager::isTaskCanceled);
         ComMsgMgr::sendMsg("design", ComMsgMgr::MSGTYPE_INFO, "@40-20@%s%s%u%u\n", d.name(), d.file(),
                            d.count<design::Cell>(), d.count<design::Net>());
         return set_result(interp, &d);
