@@ -38,7 +38,7 @@ function(corvane_library name)
         BUILD_WITH_INSTALL_RPATH ON
         INSTALL_RPATH "$ORIGIN")
     # The functions in the tables of a library's classes are bound when it is linked. By name, at each start,
-    # they take longer than all else; what must be one object in the process stays bound by name.
+    # they take longer than all else; data stays bound by name, so that each object is one in the process.
     target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions)
 endfunction()
 
