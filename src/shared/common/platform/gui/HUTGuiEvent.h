@@ -2,7 +2,6 @@
 
 #include <boost/any.hpp>
 #include <string>
-#include <typeindex>
 #include <utility>
 #include <vector>
 
@@ -37,20 +36,12 @@ void fire(Args&&... args) {
 
 namespace detail {
 
-/// An event for listeners outside C++: a number that tells its kind and an ordered list of data items. `Tag`
-/// has the number as `static constexpr int type`.
-template <class Tag>
-class gui_native_event : public GuiEventBase {
+/// The data items of an event for listeners outside C++.
+class native_event : public GuiEventBase {
 public:
-    template <class... Items>
-    explicit gui_native_event(const Items&... items) : m_data{boost::any(items)...} {}
-
-    int getType() const { return Tag::type; }
     int size() const { return static_cast<int>(m_data.size()); }
     /// An item by its place, from 0; empty beyond the last.
-    boost::any getData(int index) const {
-        return index >= 0 && index < size() ? m_data[static_cast<size_t>(index)] : boost::any();
-    }
+    boost::any getData(int index) const;
     /// An item as a T. Throws HEXAlgException if it is none.
     template <class T>
     T dataAs(int index) const {
@@ -61,8 +52,22 @@ public:
         throw HEXAlgException("failed type conversion of event data");
     }
 
+protected:
+    explicit native_event(std::vector<boost::any> data) : m_data(std::move(data)) {}
+
 private:
     std::vector<boost::any> m_data;
+};
+
+/// An event for listeners outside C++: a number that tells its kind and an ordered list of data items. `Tag`
+/// has the number as `static constexpr int type`.
+template <class Tag>
+class gui_native_event : public native_event {
+public:
+    template <class... Items>
+    explicit gui_native_event(const Items&... items) : native_event({boost::any(items)...}) {}
+
+    int getType() const { return Tag::type; }
 };
 
 } // namespace detail

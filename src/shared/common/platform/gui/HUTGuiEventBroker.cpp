@@ -44,6 +44,10 @@ void HUTGuiEvent::GuiEventBase::doEvent() const {
     HUTGuiEventBroker::instance().raise(*this);
 }
 
+boost::any HUTGuiEvent::detail::native_event::getData(int index) const {
+    return index >= 0 && index < size() ? m_data[static_cast<size_t>(index)] : boost::any();
+}
+
 bool HUTGuiEventConnectionHandle::isConnected() const {
     return m_live && *m_live;
 }

@@ -196,16 +196,18 @@ void ValueSetter::apply(change& c) {
             ++c.before.back().count;
         }
     } catch (...) {
-        revert(c, i);
+        revert(c, i); // the values before the object that refused
         throw;
     }
 }
 
 void ValueSetter::revert(const change& c, size_t count) {
-    size_t i = 0;
-    for (const run& r : c.before) {
-        const HATAttrAny* value = r.value.index() ? &r.value : nullptr;
-        for (size_t k = 0; k < r.count && i < count; ++k, ++i) {
+    // Backwards, so that an object which stands in the list twice ends with what it had at first.
+    size_t i = count;
+    for (auto r = c.before.rbegin(); r != c.before.rend(); ++r) {
+        const HATAttrAny* value = r->value.index() ? &r->value : nullptr;
+        for (size_t k = 0; k < r->count; ++k) {
+            --i;
             if (!skips(c, i) && m_info->isAlive(object(i))) {
                 c.access.write(object(i), value);
             }

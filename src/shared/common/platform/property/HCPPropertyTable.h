@@ -29,8 +29,9 @@
 /// A getter is anything that can be called with the object: a member function, a function, a lambda. Its
 /// result gives the property its type: bool, int, long, double, text, or a std::vector of int, double or
 /// std::string; a std::optional of these for one that an object may lack. A setter is called with the object
-/// and a value of that type, which has been checked against the range; without one the property is read-only.
-/// It may throw to refuse the value.
+/// and a value of that type, which has been checked against the range; where the getter gives a std::optional
+/// it takes one, and an empty one takes the value away. Without a setter the property is read-only. It may
+/// throw to refuse the value.
 namespace HCPProperty {
 
 struct PropertyOptions {
@@ -132,11 +133,20 @@ public:
         Property(const char* name, G getter, S setter, const char* description, PropertyOptions options = {})
         : Property(name, std::move(getter), description, std::move(options)) {
         using V = value_type<G>;
-        static_assert(std::is_invocable_v<const S&, const T&, const V&>,
-                      "the setter takes the object and a value of the getter's type");
-        m_write = [setter = std::move(setter)](const void* object, const HATAttrAny* value) {
-            std::invoke(setter, *static_cast<const T*>(object), value ? std::get<V>(*value) : V());
-        };
+        if constexpr (detail::optional_part<result<G>>::optional) {
+            static_assert(std::is_invocable_v<const S&, const T&, const std::optional<V>&>,
+                          "the setter takes the object and an optional value, as the getter gives one");
+            m_write = [setter = std::move(setter)](const void* object, const HATAttrAny* value) {
+                std::invoke(setter, *static_cast<const T*>(object),
+                            value ? std::optional<V>(std::get<V>(*value)) : std::nullopt);
+            };
+        } else {
+            static_assert(std::is_invocable_v<const S&, const T&, const V&>,
+                          "the setter takes the object and a value of the getter's type");
+            m_write = [setter = std::move(setter)](const void* object, const HATAttrAny* value) {
+                std::invoke(setter, *static_cast<const T*>(object), value ? std::get<V>(*value) : V());
+            };
+        }
     }
 
     /// The property applies only to the objects for which this answers true.

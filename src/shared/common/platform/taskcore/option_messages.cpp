@@ -96,7 +96,9 @@ HEXError untyped_collection_repeated(const std::string& command) {
 }
 
 HEXError failed(const std::string& command, const std::string& reason) {
-    return HEXError({"common", error, "@17-5011@%s%s\n", command, reason});
+    // The message ends the sentence; a reason that is one already gives up its own full stop.
+    const bool ended = reason.ends_with('.') && !reason.ends_with("..");
+    return HEXError({"common", error, "@17-5011@%s%s\n", command, reason.substr(0, reason.size() - ended)});
 }
 
 HEXError of(const HTCErrors::error& fault, const std::string& command, const options_description* options) {

@@ -81,7 +81,7 @@ private:
         m_created = false;
         const auto info = getObjectInfoOrError(m_class);
         const HATAttrTypes::AttrType type = GetAttrType(m_type);
-        if (!m_noRegister) {
+        if (!m_noRegister && m_name != defaultSpecName) {
             const auto known = info->getSpec(m_name);
             if (known && known->getAttrSpec()->getAttrType() == type && known->getName() == m_name) {
                 return TCL_OK;

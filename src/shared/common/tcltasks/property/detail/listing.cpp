@@ -91,7 +91,7 @@ std::string normalReport(const tclany& object, const Entries& entries, const Rep
 }
 
 std::string detailedReport(const tclany& object, const Entries& entries, const ReportOptions& options) {
-    size_t widest = 0;
+    size_t widest = length("Property");
     for (const auto& entry : entries) {
         widest = std::max(widest, length(entry.name));
     }
