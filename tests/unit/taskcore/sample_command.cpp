@@ -11,8 +11,7 @@ public:
             .add_options()
             .add_option("minimum", options::number(0), "Least number of pins of a part that counts")
             .add_option("loud", options::flag(), "Double the result")
-            .add_option("parts", options::objects<part*>(), "Parts to look at")
-            .required();
+            .add_option("parts", options::objects<part*>(), "Parts to look at");
         positional_instance().add("parts", 1);
     }
     int execute(Tcl_Interp* interp) override {

@@ -24,6 +24,9 @@
 #include "platform/tcl/HTCTclInterp.h"
 #include "platform/tcl/tclobj_ref.h"
 
+// Tcl's own, exported for extensions; forgets a cancellation unless the interpreter is evaluating.
+extern "C" int TclResetCancellation(Tcl_Interp* interp, int force);
+
 namespace vek::tcltasks {
 
 namespace {
@@ -382,14 +385,12 @@ void markTaskDescriptionLoaded(const std::string& name) {
 
 namespace {
 
-// Tcl itself forgets a cancellation only when it compiles a script at its outermost level. A host that
+// Tcl forgets a cancellation only at the end of a compiled script at its outermost level: a host that
 // evaluates in another way would find every later command cancelled.
 void forget_cancellation() {
     Tcl_Interp* interp = HTCTclInterp::getDefaultInterp();
-    if (interp && HTCTclInterp::threadOf(interp) == Tcl_GetCurrentThread() &&
-        Tcl_Canceled(interp, 0) != TCL_OK) {
-        const tclobj_ref nothing(Tcl_NewObj());
-        Tcl_EvalObjEx(interp, nothing.get(), TCL_EVAL_GLOBAL);
+    if (interp && HTCTclInterp::threadOf(interp) == Tcl_GetCurrentThread()) {
+        TclResetCancellation(interp, 0);
     }
 }
 

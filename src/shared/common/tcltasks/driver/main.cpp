@@ -133,6 +133,7 @@ public:
         const std::string& p = getLowerProductName();
         const bool analyzer = product_is("meldrin_analyzer");
         const bool notForOthers = analyzer || product_is("norrim");
+        in_categories("Tools");
         auto options = description_instance(driver::detail::getVersion(false), "").add_options();
         const auto flag = [&](const char* name, bool hidden, const std::string& help) {
             options.add_option(name, options::flag()->hidden(hidden), help);

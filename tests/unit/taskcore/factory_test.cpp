@@ -1,0 +1,73 @@
+// What every command of the library has to tell of itself.
+#include "support.h"
+
+#include <set>
+
+#include "tcltasks/core/Omu_commontasks.h"
+
+using namespace vek::tcltasks;
+
+namespace {
+
+/// Commands that help shows without a category: those for support, and those named here.
+bool may_lack_category(const std::string& name) {
+    static const std::set<std::string> named{"common::send_gid_msg", "common::send_msg_id"};
+    return name.starts_with("debug::") || named.contains(name);
+}
+
+class Factories : public TaskTest {
+protected:
+    Factories() {
+        EXPECT_EQ(Omu_commontasks_Init(interp), TCL_OK) << result();
+        task_manager::getTaskNames(names);
+    }
+    std::vector<std::string> names;
+};
+
+TEST_F(Factories, EveryTaskHasADescriptionAnOwnerAndACategory) {
+    ASSERT_GT(names.size(), 10u);
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name);
+        const auto task = task_manager::createTask(name);
+        ASSERT_TRUE(task);
+        EXPECT_EQ(task->task_name(), name);
+        EXPECT_FALSE(task->task_description().empty());
+        EXPECT_NE(task->task_description(), "dummy");
+        const auto& options = dynamic_cast<const task_options_base&>(*task);
+        EXPECT_FALSE(options.owner().empty());
+        EXPECT_NE(options.owner(), "unknown");
+        EXPECT_TRUE(may_lack_category(name) || !task->task_categories().empty());
+    }
+}
+
+TEST_F(Factories, EveryOptionHasHelpAndEveryPositionAnOption) {
+    for (const std::string& name : names) {
+        const auto task = task_manager::createTask(name);
+        const auto& options = dynamic_cast<const task_options_base&>(*task);
+        for (const auto& option : options.get_options_description().options()) {
+            SCOPED_TRACE(name + " -" + option.name);
+            EXPECT_FALSE(option.name.empty() || option.name.front() == '-');
+            EXPECT_EQ(option.semantic->switch_name(), option.name);
+            EXPECT_FALSE(option.help.empty());
+            for (const std::string& other : option.excludes) {
+                EXPECT_GE(options.get_options_description().find(other), 0) << other;
+            }
+        }
+        for (const auto& position : options.get_positional_options().positions()) {
+            EXPECT_GE(options.get_options_description().find(position.name), 0)
+                << name << " " << position.name;
+        }
+    }
+}
+
+TEST_F(Factories, EveryTaskHasHelpInEachForm) {
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name);
+        const auto task = task_manager::createTask(name);
+        EXPECT_FALSE(task->task_help(interp, "syntax").empty());
+        EXPECT_NE(task->task_help(interp, "args").find("Arguments:"), std::string::npos);
+        EXPECT_FALSE(task->task_help(interp, "long").empty());
+    }
+}
+
+} // namespace
