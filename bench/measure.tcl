@@ -18,9 +18,10 @@ proc time_of {args} {
 
 # Prints a row for the table: what was measured and its yardstick, with values in the same unit, us or bytes. The
 # aim is a comparison that the ratio of the two should satisfy, as "<= 4"; empty for a figure without one.
+set row_channel stdout
 proc row {measure ours yardstick theirs unit {aim ""}} {
-    puts [join [list $measure $ours $yardstick $theirs $unit $aim] \t]
-    flush stdout
+    puts $::row_channel [join [list $measure $ours $yardstick $theirs $unit $aim] \t]
+    flush $::row_channel
 }
 
 # A value with the unit that reads best.

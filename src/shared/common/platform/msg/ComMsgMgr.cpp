@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <charconv>
 #include <climits>
 #include <ctime>
 #include <deque>
@@ -392,9 +392,19 @@ void ComMsgMgr::sendMsgString(const std::string& subsystem, MsgMask mask, std::s
 }
 
 void ComMsgMgr::sendMsgById(std::string_view prefix, int number, MsgMask mask, std::string_view text) {
-    std::string id;
-    id.reserve(prefix.size() + 12);
-    id.append(prefix).append(1, '-').append(std::to_string(number));
+    char shortId[64];
+    std::string longId;
+    std::string_view id;
+    char digits[16];
+    const std::size_t size =
+        static_cast<std::size_t>(std::to_chars(digits, digits + sizeof digits, number).ptr - digits);
+    if (prefix.size() + 1 + size <= sizeof shortId) {
+        char* const dash = std::copy(prefix.begin(), prefix.end(), shortId);
+        *dash = '-';
+        id = {shortId, std::copy(digits, digits + size, dash + 1)};
+    } else {
+        id = longId.append(prefix).append(1, '-').append(digits, size);
+    }
     if (const Ticket ticket = admitText(mask, id); ticket.isWanted(mask))
         emitText(ticket, mask, text);
 }

@@ -4,6 +4,9 @@
 #include <utility>
 
 ComMsgMgr::MsgMask HTCMsgmgr::msgString2Type(const std::string& word) {
+    if (const ComMsgMgr::MsgMask mask = ComMsgMgr::msgStr2Type(word)) {
+        return mask; // mostly written so; no alias is
+    }
     static constexpr std::pair<std::string_view, std::string_view> aliases[] = {
         {"ERRORS", "ERROR"},
         {"INFOS", "INFO"},

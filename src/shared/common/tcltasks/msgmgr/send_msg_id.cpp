@@ -1,9 +1,11 @@
 // common::send_msg_id ?-continue? ID SEVERITY MSG
 // Sends a message with an id and a text of the script's. A bad severity or id fails with a reason as the
 // result.
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
+#include "platform/tcl/HTCTclEncoding.h"
 #include "tcltasks/core/task.h"
 #include "tcltasks/msgmgr/HTCMsgmgr.h"
 #include "tcltasks/msgmgr/detail/TclStack.h"
@@ -65,24 +67,37 @@ public:
     std::string owner() const override { return "common"; }
     bool halt_flow_if_error_msg_detected() const override { return !m_continue; }
 
+    /// Scripts send very many messages in the plain form, which needs no parsing.
+    int execute(Tcl_Interp* interp, int objc, Tcl_Obj* const* objv) override {
+        const auto is_switch = [](Tcl_Obj* word) { return *Tcl_GetString(word) == '-'; };
+        if (objc != 4 || std::any_of(objv + 1, objv + objc, is_switch)) {
+            return HTCITaskHelper::execute(interp, objc, objv);
+        }
+        return run(interp, HTCTclEncoding::tclGetString(objv[1]), HTCTclEncoding::tclGetString(objv[2]),
+                   HTCTclEncoding::tclGetString(objv[3]));
+    }
+
     int execute(Tcl_Interp* interp) override {
         m_continue = get_option<bool>("continue");
-        const auto id = get_option<std::string>("id");
-        const auto severity = get_option<std::string>("severity");
+        return run(interp, get_option<std::string>("id"), get_option<std::string>("severity"),
+                   get_option<std::string>("msg"));
+    }
+
+private:
+    int run(Tcl_Interp* interp, const std::string& id, const std::string& severity, const std::string& text) {
         const ComMsgMgr::MsgMask mask = HTCMsgmgr::msgString2Type(severity);
         if (mask == 0) {
             set_result(interp, "invalid msg severity " + severity);
             return TCL_ERROR;
         }
         try {
-            send(interp, id, mask, get_option<std::string>("msg"));
+            send(interp, id, mask, text);
             return TCL_OK;
         } catch (const std::exception&) {
             return refuse_id(interp);
         }
     }
 
-private:
     void send(Tcl_Interp* interp, const std::string& id, ComMsgMgr::MsgMask mask, const std::string& text) {
         const bool errorBefore = ComMsgMgr::hasIssuedError();
         const std::optional<message_id> parts = parse_id(id);

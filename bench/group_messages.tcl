@@ -1,0 +1,57 @@
+# What a message costs that goes into the log, and one that a limit stops. tclsh runs the first half, which has
+# Corvane run the second.
+
+set here [file dirname [file normalize [info script]]]
+source [file join $here measure.tcl]
+
+if {[catch {package present omu::commontasks}]} {
+    set build [file normalize [lindex $argv 0]]
+    set yardstick [file join $build bench messages_yardstick]
+    exec c++ -std=c++20 -O3 -DSPDLOG_COMPILED_LIB [file join $here messages_yardstick.cpp] -o $yardstick \
+        -lspdlog -lfmt -pthread 2>@stderr
+    close [file tempfile log corvane_bench]
+    # Messages go to the console too, so that the rows take another way.
+    exec [file join $build root bin corvane] -mode batch -quiet -log $log -nojournal -notrace \
+        -source [file normalize [info script]] \
+        -tclargs [file join $build bench libbench_messages.so] $yardstick $log </dev/null >/dev/null
+    set rows [open $log.rows]
+    puts -nonewline [read $rows]
+    close $rows
+    file delete $log $log.rows {*}[glob -nocomplain [file rootname $log]_*.backup*]
+    exit
+}
+
+lassign $argv library yardstick log
+load $library Bench_messages
+set row_channel [open $log.rows w]
+set other $log.yardstick
+set line "WARNING: \[Common 17-1\] The file 'some_file.log' cannot be opened for writing; the session continues."
+
+# Microseconds for one turn of a loop in a proc, without the start of the loop.
+proc cost {turns runs body} {
+    proc loop {file} "for {set i 0} {\$i < $turns} {incr i} {$body}; flush \$file"
+    set file [open $::other w]
+    set result [median $runs {expr {[lindex [time {loop $file}] 0] / double($turns)}}]
+    close $file
+    return $result
+}
+
+set text [regsub {^.*?\] } $line {}]
+set send [list send_msg_id {Common 17-1} WARNING $text]
+set_param messaging.defaultLimit 2147483647
+
+set shown [cost 1000000 3 $send]
+bench::no_console
+set puts [cost 1000000 3 "puts \$file [list $line]"]
+row "send_msg_id into the log" [cost 1000000 3 $send] "Tcl puts of the line to a file" $puts us "<= 3"
+row "send_msg_id into the log and to /dev/null" $shown "Tcl puts of the line to a file" $puts us
+
+foreach {threads words} {1 "a message from C++ into the log" 8 "the same on 8 threads at once"} {
+    row $words [median 3 {bench::send_from_threads 1000000 $threads}] \
+        "spdlog's synchronous file logger" [median 3 {exec $yardstick $other 1000000 $threads}] us "<= 1.5"
+}
+
+set_param messaging.defaultLimit 0
+row "send_msg_id that a limit stops" [cost 200000 9 $send] \
+    "a task that reads the same arguments" [cost 200000 9 [lreplace $send 0 0 bench::send_nothing]] us "<= 1.2"
+file delete $other
