@@ -187,7 +187,10 @@ private:
         return !value.empty() && !text.empty();
     }
 
-    void parse_single(any& store, const std::string& token) const requires(!detail::is_list_value<T>::value) {
+    // Both parsers are templates so that an explicit instantiation of the class leaves out the one that does
+    // not fit T; clang 14 would also instantiate a member whose constraints T does not meet.
+    template <class = void>
+    void parse_single(any& store, const std::string& token) const {
         if constexpr (std::is_same_v<T, tcl_collection<detail::untyped_collection>>) {
             if (!store.empty()) {
                 throw HTCErrors::append_untyped_collection();
@@ -217,8 +220,8 @@ private:
         }
     }
 
-    void parse_list(any& store,
-                    const std::vector<std::string>& tokens) const requires detail::is_list_value<T>::value {
+    template <class = void>
+    void parse_list(any& store, const std::vector<std::string>& tokens) const {
         if (store.empty()) {
             store = T();
         } else if (!m_composing) {
