@@ -42,6 +42,7 @@ public:
         std::swap(size_, other.size_);
     }
 
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): elements may be pointers, and their own size is meant.
     size_t memory() const noexcept { return chunks_.size() * ChunkSize * sizeof(T); }
 
 private:

@@ -129,6 +129,7 @@ public:
 
     int set(Tcl_Interp*, const HCPProperty::Objects& objects, const HCPProperty::Pairs& pairs) override {
         const std::vector<ObjectRef> all = refs(objects);
+        require_known(objects, pairs);
         changes_.clear();
         try {
             for (const auto& [name, value] : pairs)
@@ -159,6 +160,15 @@ public:
     }
 
 private:
+    // One property alone is looked up before its setter is asked for; several are looked up here.
+    static void require_known(const HCPProperty::Objects& objects, const HCPProperty::Pairs& pairs) {
+        const auto info = HCPProperty::getObjectInfoOrError((*objects)[0]);
+        std::string canonical;
+        for (const auto& [name, value] : pairs)
+            if (!info->findSpec(name) && !info->defaultSpec()->isValid((*objects)[0], name, canonical))
+                HCPProperty::Utils::noSuchProperty(name, info->getName());
+    }
+
     static std::vector<ObjectRef> refs(const HCPProperty::Objects& objects) {
         std::vector<ObjectRef> result;
         result.reserve(objects.size());
