@@ -24,6 +24,9 @@ class TrialRoot : public ::testing::Environment {
 public:
     void SetUp() override {
         write_file(m_dir.path("data/msg/trial.msg"), trial_messages);
+        write_file(m_dir.path("data/msg/xx/trial.msg"),
+                   "subsystem trial 90 \"Trial\"\n"
+                   "message 90-2 ERROR \"Uno '%s'.\" description \"d\" resolution \"r\"\n");
         write_file(m_dir.path("data/msg/broken.msg"),
                    "subsystem broken 91 \"Broken\"\n"
                    "message 91-1 ERROR \"Sound.\" description \"d\" resolution \"r\"\n"

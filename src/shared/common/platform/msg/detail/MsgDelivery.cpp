@@ -154,6 +154,9 @@ void deliver_now(ComMsgMgrMask mask, std::string_view id, std::string_view text)
     Delivery& delivery = Delivery::get();
     const Route route = Route::of(mask);
     const bool toConsole = route.console || delivery.allToConsole.load(std::memory_order_relaxed);
+    // The command before has finished; most of those that a script runs have nothing else to say so.
+    if (mask & ComMsgMgr::MSGTYPE_TRACED_COMMAND)
+        HUTLogFileMgr::flush();
     std::shared_ptr<ComMsgMgrSink> console;
     {
         std::lock_guard lock(delivery.output);
