@@ -6,8 +6,10 @@
 #include <fstream>
 
 #include "platform/env/HUTEnv.h"
+#include "platform/gui/HUTGuiEventBroker.h"
 #include "tcltasks/core/Omu_commontasks.h"
 #include "tcltasks/utils/detail/Features.h"
+#include "tcltasks/utils/detail/HTCLoadFeatureEvent.h"
 
 namespace {
 
@@ -56,6 +58,22 @@ TEST_F(FeaturesDeathTest, InAStandaloneInstallationSomeNamesAreNotFound) {
     EXPECT_EXIT(std::_Exit(exit_code(listed(false) ==
                                      "benchtools corvane netlist_report other session_tools simulator")),
                 ::testing::ExitedWithCode(0), "");
+}
+
+TEST_F(FeaturesDeathTest, ListenersHearOnceOfEachFeatureThatIsLoaded) {
+    const auto heard = [&] {
+        feature("other");
+        Tcl_Interp* interp = session();
+        std::string names;
+        const auto tie = HUTGuiEventBroker::instance().addListener<HTCLoadFeatureEvent>(
+            [&](const HTCLoadFeatureEvent& event) {
+                names += event.interp == interp ? event.name + " " : "?";
+            });
+        Tcl_Eval(interp, "catch {load_features other other session_tools nosuch}");
+        fs::remove_all(root);
+        return tie.isConnected() && names == "other session_tools ";
+    };
+    EXPECT_EXIT(std::_Exit(exit_code(heard())), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(FeaturesDeathTest, AnInterpreterThatIsDeletedTakesItsFeaturesAlong) {

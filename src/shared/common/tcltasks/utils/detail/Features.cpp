@@ -13,6 +13,7 @@
 #include "platform/tcl/HTCTclInterp.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "platform/tcl/tclobj_ref.h"
+#include "tcltasks/utils/detail/HTCLoadFeatureEvent.h"
 
 namespace fs = std::filesystem;
 using vek::tcltasks::tclobj_ref;
@@ -148,6 +149,7 @@ void load(Tcl_Interp* interp, const std::string& name) {
         throw HEXAll({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-217@%s\n", name});
     }
     shared().s_loadedFeatures[interp].insert(name);
+    HUTGuiEvent::fire<HTCLoadFeatureEvent>(interp, name);
 }
 
 const std::set<std::string>& loaded(Tcl_Interp* interp) {
