@@ -83,6 +83,7 @@ std::optional<std::vector<std::string>> words_of(const std::string& text) {
         return std::nullopt;
     }
     std::vector<std::string> list;
+    list.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         list.push_back(HTCTclEncoding::fromTcl(words[i]));
     }

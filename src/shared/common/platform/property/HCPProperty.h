@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -406,7 +407,7 @@ public:
         auto* same = dynamic_cast<wrapper*>(&body);
         return same ? same->elements().data() : nullptr;
     }
-    size_t stride() const override { return sizeof(T); }
+    size_t stride() const override { return sizeof(std::array<T, 1>); }
     tclany value(const void* object) const override { return tclany(*static_cast<const T*>(object)); }
 };
 

@@ -35,7 +35,7 @@ std::unordered_map<const ObjectInfo*, std::shared_ptr<user_store>>& stores() {
     return instance;
 }
 
-GetFcn reader_of_set_values(std::shared_ptr<user_store::property> property) {
+GetFcn reader_of_set_values(const std::shared_ptr<user_store::property>& property) {
     return [property](const void* object, const std::string&, HATAttrAny& value) {
         const auto at = property->values.find(pointer_in(object));
         if (at == property->values.end()) {
@@ -46,7 +46,7 @@ GetFcn reader_of_set_values(std::shared_ptr<user_store::property> property) {
     };
 }
 
-GetFcn reader_with_default(const Spec* spec, GetFcn setValues) {
+GetFcn reader_with_default(const Spec* spec, const GetFcn& setValues) {
     return [spec, setValues](const void* object, const std::string& name, HATAttrAny& value) {
         if (object && setValues(object, name, value)) {
             return true;
@@ -56,7 +56,7 @@ GetFcn reader_with_default(const Spec* spec, GetFcn setValues) {
     };
 }
 
-Access access_to(std::shared_ptr<user_store::property> property) {
+Access access_to(const std::shared_ptr<user_store::property>& property) {
     return {property->spec, reader_of_set_values(property),
             [property](const void* object, const HATAttrAny* value) {
                 if (value) {
@@ -215,7 +215,7 @@ void ValueSetter::revert(const change& c, size_t count) {
     }
 }
 
-std::shared_ptr<Setter> makeSetter(const ObjectInfo& info, Access access) {
+std::shared_ptr<Setter> makeSetter(const ObjectInfo& info, const Access& access) {
     return std::make_shared<ValueSetter>(info, [access](const std::string&) { return access; });
 }
 

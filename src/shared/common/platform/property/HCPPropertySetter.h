@@ -72,7 +72,7 @@ private:
 };
 
 /// A setter for one property of a class.
-std::shared_ptr<Setter> makeSetter(const ObjectInfo& info, Access access);
+std::shared_ptr<Setter> makeSetter(const ObjectInfo& info, const Access& access);
 
 /// Gives a class properties of the user's: a specification `_default_` under which create_property works, and
 /// a store for the values. The objects are pointers; their values stay until the property is deleted or

@@ -64,6 +64,8 @@ public:
         return status == TCL_OK ? set_result(interp, m_name) : status;
     }
 
+    using HTCITaskHelper::redo;
+    using HTCITaskHelper::undo;
     int undo() override {
         const auto info = getObjectInfo(m_class);
         const auto spec = info && m_created ? info->getSpec(m_name, false) : nullptr;
