@@ -8,6 +8,11 @@ namespace eval ::netlist_report {
         }
     }
 
+    # The values of a property, also of no objects at all.
+    proc values {property objects} {
+        expr {[llength $objects] ? [get_property $property $objects] : {}}
+    }
+
     # How often each value occurs: {value count}, the most frequent first, equals in order of name.
     proc histogram {values} {
         set counts {}
@@ -42,7 +47,7 @@ omu::features::define netlist_report::report_cell_usage {Print how often each ty
 } {
     ::netlist_report::require_design
     set filter [expr {$instances ? "pin_count >= 0" : "is_leaf"}]
-    set types [design::get_property ref_name [get_cells -hierarchical -filter $filter]]
+    set types [::netlist_report::values ref_name [get_cells -hierarchical -filter $filter]]
     ::netlist_report::print "Cell type" [::netlist_report::histogram $types] $limit
     puts "[llength $types] cells"
 }
@@ -53,7 +58,7 @@ omu::features::define netlist_report::report_net_fanout {Print the nets that dri
 } {
     ::netlist_report::require_design
     set nets [get_nets -hierarchical -filter "fanout >= $minimum"]
-    set rows [lmap name [design::get_property name $nets] fanout [design::get_property fanout $nets] {
+    set rows [lmap name [::netlist_report::values name $nets] fanout [::netlist_report::values fanout $nets] {
         list $name $fanout
     }]
     ::netlist_report::print Net [lsort -integer -decreasing -index 1 [lsort -index 0 $rows]] $limit
