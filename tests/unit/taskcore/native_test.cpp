@@ -54,6 +54,21 @@ TEST_F(Native, AValueUsedAsAListOrNumberKeepsItsTextAndItsObject) {
               typeid(gate*));
 }
 
+TEST_F(Native, AValueOfAnotherFormIsStillItsObjectToWhateverTakesAnyObject) {
+    gate screw("screw");
+    const tclobj_ref value(native_wrapper<gate*>::convert_to_tcl(&screw));
+    int length = 0;
+    ASSERT_EQ(Tcl_ListObjLength(nullptr, value.get(), &length), TCL_OK);
+    ASSERT_EQ(detail::GetTclTypeInfo(value.get()), nullptr);
+    EXPECT_EQ(any_cast<gate*>(native_wrapper<tclany>::convert_to_native(interp, value.get())), &screw);
+
+    ASSERT_EQ(Tcl_ListObjLength(nullptr, value.get(), &length), TCL_OK);
+    using any_collection = tcl_collection<HSTVector<tclany>>;
+    const any_collection one = native_wrapper<any_collection>::convert_to_native(interp, value.get());
+    ASSERT_EQ(one.size(), 1u);
+    EXPECT_EQ(any_cast<gate*>((*one)[0]), &screw);
+}
+
 TEST_F(Native, AScriptMayDoWithAValueWhatItDoesWithText) {
     gate g("u0/ff");
     Tcl_SetVar2Ex(interp, "x", nullptr, native_wrapper<gate*>::convert_to_tcl(&g), TCL_GLOBAL_ONLY);

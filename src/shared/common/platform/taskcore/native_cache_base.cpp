@@ -1,21 +1,52 @@
 #include "platform/taskcore/native_cache_base.h"
 
+#include <boost/thread/locks.hpp>
 #include <memory>
 #include <mutex>
 #include <typeindex>
 
 namespace vek::tcltasks {
 
-native_cache_base::store& native_cache_base::store_of(const std::type_info& type) {
-    // Values outlive their library at exit, so the stores are never destroyed.
-    static std::mutex& mutex = *new std::mutex;
-    static auto& stores = *new std::unordered_map<std::type_index, std::unique_ptr<store>>;
-    std::lock_guard lock(mutex);
-    auto& entry = stores[type];
+namespace {
+
+struct store_table {
+    std::mutex mutex;
+    std::unordered_map<std::type_index, std::unique_ptr<native_cache_base::store>> stores; // guarded by mutex
+};
+
+// Values outlive their library at exit, so the stores are never destroyed.
+store_table& table() {
+    static store_table& instance = *new store_table;
+    return instance;
+}
+
+} // namespace
+
+native_cache_base::store& native_cache_base::store_of(const detail::itcltypeinfo& info) {
+    std::lock_guard lock(table().mutex);
+    auto& entry = table().stores[info.get_type_info()];
     if (!entry) {
         entry = std::make_unique<store>();
+        entry->info = &info;
     }
     return *entry;
+}
+
+const detail::itcltypeinfo* native_cache_base::type_behind(Tcl_Obj* obj) {
+    if (const detail::itcltypeinfo* info = detail::GetTclTypeInfo(obj)) {
+        return info;
+    }
+    if (obj->refCount < 2) {
+        return nullptr; // the cache would hold it beside whoever asks
+    }
+    std::lock_guard lock(table().mutex);
+    for (const auto& [type, store] : table().stores) {
+        boost::shared_lock shared(store->t2nMutex);
+        if (store->t2n.find(obj) != store->t2n.end()) {
+            return store->info;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace vek::tcltasks

@@ -6,6 +6,8 @@
 #include <typeinfo>
 #include <unordered_map>
 
+#include "platform/taskcore/tcltypeinfo.h"
+
 namespace vek::tcltasks {
 
 /// The identity of native objects in Tcl: which Tcl value stands for an object, and which object for a value.
@@ -24,14 +26,19 @@ public:
     using n2t_map = std::unordered_multimap<void*, Tcl_Obj*, pointer_hash>;
 
     struct store {
-        t2n_map t2n;                  // guarded by t2nMutex
-        n2t_map n2t;                  // guarded by n2tMutex
-        boost::shared_mutex t2nMutex; // the two are taken one after the other, never both at once
+        const detail::itcltypeinfo* info; // of the native type
+        t2n_map t2n;                      // guarded by t2nMutex
+        n2t_map n2t;                      // guarded by n2tMutex
+        boost::shared_mutex t2nMutex;     // the two are taken one after the other, never both at once
         boost::shared_mutex n2tMutex;
     };
 
     /// The store of a native type, made at the first call and never destroyed. Any thread.
-    static store& store_of(const std::type_info& type);
+    static store& store_of(const detail::itcltypeinfo& info);
+
+    /// The native type behind a value, or null; also of a value that stands for an object and that Tcl has
+    /// since given another form, as `llength $object` does.
+    static const detail::itcltypeinfo* type_behind(Tcl_Obj* obj);
 
     /// True if a cached value may still be used: its text is there to stand for the object.
     static bool is_alive(Tcl_Obj* obj) { return obj && obj->refCount > 0 && obj->bytes; }

@@ -3,6 +3,7 @@
 #include <boost/thread/locks.hpp>
 
 #include "platform/taskcore/native_cache_base.h"
+#include "tcltasks/core/tclany.h"
 
 namespace vek::tcltasks {
 
@@ -87,7 +88,7 @@ private:
     static void* key(T native) { return const_cast<void*>(static_cast<const volatile void*>(native)); }
 
     static store& instance() {
-        static store& shared = store_of(typeid(T));
+        static store& shared = store_of(*detail::tcltypeinfo<T>::instance());
         return shared;
     }
 

@@ -42,7 +42,7 @@ inline std::string compiler_name(const std::type_info& type) {
     return *name == '*' ? name + 1 : name;
 }
 
-template <class T, class tcltype = tcltypes::tclobj, class ext = void, class tuid = void>
+template <class T, class tcltype, class ext, class tuid>
 class tcltypeinfo : public itcltypeinfo {
 public:
     static const tcltypeinfo* instance() {
@@ -200,7 +200,7 @@ template <class tcltype, class ext, class tuid>
 struct native_wrapper<tclany, tcltype, ext, tuid> {
     static Tcl_Obj* convert_to_tcl(const tclany& value) { return value.get_as_tcl_obj(); }
     static tclany convert_to_native(Tcl_Interp* interp, Tcl_Obj* obj) {
-        const detail::itcltypeinfo* info = detail::GetTclTypeInfo(obj);
+        const detail::itcltypeinfo* info = native_cache_base::type_behind(obj);
         return info ? info->convert_to_tclany(interp, obj) : tclany(HTCTclEncoding::tclGetString(obj));
     }
 };

@@ -419,7 +419,7 @@ struct native_wrapper<tcl_collection<C, Traits>, tcltype, ext, tuid> : detail::c
         if (detail::collection_wrapper_base* held = detail::get_collection(obj)) {
             return from_collection(held);
         }
-        if (const detail::itcltypeinfo* info = detail::GetTclTypeInfo(obj)) {
+        if (const detail::itcltypeinfo* info = native_cache_base::type_behind(obj)) {
             collection result =
                 of_one(detail::element_from_any<element>(info->convert_to_tclany(interp, obj)));
             const auto context = HTCCollectionContextMgr::createListCollectionContext();

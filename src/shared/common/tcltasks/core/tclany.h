@@ -23,6 +23,9 @@ class tcl_collection;
 
 namespace detail {
 
+template <class T, class tcltype = tcltypes::tclobj, class ext = void, class tuid = void>
+class tcltypeinfo;
+
 class tclany_iholder {
 public:
     virtual ~tclany_iholder() = default;
