@@ -10,6 +10,7 @@
 #include "platform/tcl/HTCTclInterp.h"
 #include "platform/tcl/HTCTclUtils.h"
 #include "tcltasks/builtin/detail/tracer.h"
+#include "tcltasks/builtin/source_command_done.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
@@ -135,6 +136,7 @@ public:
             !task_manager::isTaskCanceled() && !HTCTclUtils::isInCatch(interp)) {
             show_script_error(interp, code);
         }
+        HUTGuiEvent::fire<source_command_done>(interp, &code, static_cast<itask*>(this));
         return code;
     }
 };

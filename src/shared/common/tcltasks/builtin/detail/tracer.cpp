@@ -18,7 +18,7 @@ using vek::tcltasks::tclobj_ref;
 
 namespace {
 
-// The number of frames on the interpreter's stack, this evaluation's own included. Nothing if it cannot be
+// The number of frames on the interpreter's stack, with one for this question itself. Nothing if it cannot be
 // told.
 std::optional<int> frame_depth(Tcl_Interp* interp) {
     int depth = 0;
@@ -134,21 +134,61 @@ void report_command(Tcl_Interp* interp, int level, const char* command, Tcl_Comm
     state.writeCmdText = true;
 }
 
+void start_trace(Tcl_Interp* interp);
+void stop_trace(Tcl_Interp* interp);
+
+int end_rest(ClientData*, Tcl_Interp* interp, int code) {
+    tracer_state& state = tracer();
+    state.resting = false;
+    if (state.depth.level > 0 && !state.trace && !Tcl_InterpDeleted(interp)) {
+        start_trace(interp);
+    }
+    return code;
+}
+
+// Lets the trace rest until the command that it has just seen is done. Under any trace Tcl makes a text of
+// each command that it calls, which would slow down the procedures that a script uses: the trace is taken
+// away, unless it forbids inline compilation, when to bring it back has Tcl compile all procedures again.
+void rest(Tcl_Interp* interp) {
+    tracer_state& state = tracer();
+    state.resting = true;
+    if (state.inlined) {
+        stop_trace(interp);
+    }
+    Tcl_NRAddCallback(interp, end_rest, nullptr, nullptr, nullptr, nullptr);
+}
+
 int trace_commands(ClientData, Tcl_Interp* interp, int level, const char* command, Tcl_Command token, int,
                    Tcl_Obj* const*) {
-    vek::tcltasks::tcl_guard(nullptr, [&] {
-        report_command(interp, level, command, token);
+    const tracer_state& state = tracer();
+    if (state.resting) {
         return TCL_OK;
-    });
+    }
+    if (level <= state.depth.level + state.depth.frameless + 1) {
+        vek::tcltasks::tcl_guard(nullptr, [&] {
+            report_command(interp, level, command, token);
+            return TCL_OK;
+        });
+    }
+    if (!state.traceAll) {
+        rest(interp);
+    }
     return TCL_OK;
 }
 
+// The trace sees the first command of any depth, to rest for what is nested deep in brackets too.
 void start_trace(Tcl_Interp* interp) {
     tracer_state& state = tracer();
-    const bool inlined = HPAParamMgr::getParamMgr().getValueAsBool("tcl.allowInlineCompilation");
-    state.trace =
-        Tcl_CreateObjTrace(interp, state.depth.level + state.depth.frameless + 1,
-                           inlined ? TCL_ALLOW_INLINE_COMPILATION : 0, trace_commands, nullptr, nullptr);
+    const int deepest = state.depth.level + state.depth.frameless + 1;
+    state.trace = Tcl_CreateObjTrace(interp, state.traceAll ? deepest : 0,
+                                     state.inlined ? TCL_ALLOW_INLINE_COMPILATION : 0, trace_commands,
+                                     nullptr, nullptr);
+}
+
+void stop_trace(Tcl_Interp* interp) {
+    if (const Tcl_Trace trace = std::exchange(tracer().trace, nullptr)) {
+        Tcl_DeleteTrace(interp, trace);
+    }
 }
 
 } // namespace
@@ -161,7 +201,7 @@ tracer_state& tracer() {
 void push_tracer(Tcl_Interp* interp) {
     tracer_state& state = tracer();
     if (state.depth.level > 0) {
-        Tcl_DeleteTrace(interp, state.trace);
+        stop_trace(interp);
         state.outer.push_back(state.depth);
     }
     if (const std::optional<int> frames = frame_depth(interp)) {
@@ -169,6 +209,8 @@ void push_tracer(Tcl_Interp* interp) {
     }
     Tcl_ResetResult(interp);
     ++state.indentLevel;
+    state.resting = false;
+    state.inlined = HPAParamMgr::getParamMgr().getValueAsBool("tcl.allowInlineCompilation");
     start_trace(interp);
 }
 
@@ -178,14 +220,20 @@ void pop_tracer(Tcl_Interp* interp) {
         return;
     }
     --state.indentLevel;
-    Tcl_DeleteTrace(interp, state.trace);
+    stop_trace(interp);
     if (state.outer.empty()) {
         state.depth = {};
+        state.resting = false;
         return;
     }
     state.depth = state.outer.back();
     state.outer.pop_back();
-    start_trace(interp);
+    state.inlined = HPAParamMgr::getParamMgr().getValueAsBool("tcl.allowInlineCompilation");
+    // The command that sourced the inner file is not done.
+    state.resting = !state.traceAll;
+    if (!state.resting || !state.inlined) {
+        start_trace(interp);
+    }
 }
 
 std::string format_command(int indent, const std::string& text) {
