@@ -40,6 +40,22 @@ TEST_F(Factories, EveryTaskHasADescriptionAnOwnerAndACategory) {
     }
 }
 
+TEST_F(Factories, SetParamBreaksTheUndoChainAndSetPropertyIsUndone) {
+    const auto param = task_manager::createTask("common::set_param");
+    ASSERT_TRUE(param);
+    EXPECT_TRUE(param->affects_undo(interp, 0, nullptr));
+    EXPECT_FALSE(param->can_undo(interp, 0, nullptr));
+    for (const char* name : {"omu::set_property", "omu::add_properties", "omu::set_attribute",
+                             "common::create_property", "common::reset_property"}) {
+        SCOPED_TRACE(name);
+        const auto property = task_manager::createTask(name);
+        ASSERT_TRUE(property);
+        EXPECT_TRUE(property->affects_undo(interp, 0, nullptr));
+        EXPECT_TRUE(property->can_undo(interp, 0, nullptr));
+        EXPECT_TRUE(property->can_redo(interp, 0, nullptr));
+    }
+}
+
 TEST_F(Factories, EveryOptionHasHelpAndEveryPositionAnOption) {
     for (const std::string& name : names) {
         const auto task = task_manager::createTask(name);
