@@ -154,10 +154,12 @@ TEST_F(ComMsgMgrFileInstalled, theInstalledMessagesAreSound) {
 TEST_F(ComMsgMgrFileInstalled, aFaultInAnInstalledFileIsToldOnceAndTheRestWorks) {
     ComMsgMgr::sendMsg(ComMsgMgrInstance("broken", M::MSGTYPE_ERROR, "@91-1@"));
     ComMsgMgr::sendMsg(ComMsgMgrInstance("broken", M::MSGTYPE_ERROR, "@91-2@"));
-    ASSERT_EQ(console->texts().size(), 3u) << console->all();
-    EXPECT_NE(console->texts()[0].find("broken.msg' has a fault in line 3, column 14"), std::string::npos);
-    EXPECT_EQ(console->texts()[1], "ERROR: [Broken 91-1] Sound.\n");
+    ComMsgMgr::sendMsg(ComMsgMgrInstance("broken", M::MSGTYPE_ERROR, "@91-3@"));
+    ASSERT_EQ(console->texts().size(), 4u) << console->all();
+    EXPECT_EQ(console->texts()[0], "ERROR: [Broken 91-1] Sound.\n");
+    EXPECT_NE(console->texts()[1].find("broken.msg' has a fault in line 3, column 14"), std::string::npos);
     EXPECT_EQ(console->texts()[2], "ERROR: [Broken 91-2] No text is installed for this message.\n");
+    EXPECT_EQ(console->texts()[3], "ERROR: [Broken 91-3] No text is installed for this message.\n");
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <optional>
 #include <system_error>
 #include <unordered_set>
+#include <utility>
 
 #include "platform/env/HUTEnv.h"
 #include "platform/env/HUTFile.h"
@@ -280,15 +281,24 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
         if (const auto found = store().loaded.find(subsystem); found != store().loaded.end())
             return found->second;
     }
-    ComMsgMgrFile file(std::string(subsystem), find_file(subsystem));
-    if (!file.path().empty())
-        file.read();
+    const auto db = std::make_shared<ComMsgMgrDb>();
+    db->m_subsystem = subsystem;
+    db->m_path = find_file(subsystem);
+    ComMsgMgrFile head(db->m_subsystem, db->m_path);
+    try {
+        if (!db->m_path.empty()) {
+            db->m_content = HUTFile::read(db->m_path);
+            db->m_firstMessage = std::min(db->m_content.find("\nmessage "), db->m_content.size());
+            head.readText(std::string_view(db->m_content).substr(0, db->m_firstMessage));
+        }
+    } catch (const std::system_error&) {
+        head.read(); // for its words on what is wrong
+    }
     ComMsgMgrFile translation(std::string(subsystem), find_translation(subsystem));
     if (!translation.path().empty())
         translation.read();
-    const auto db = std::make_shared<ComMsgMgrDb>();
-    db->m_alias = file.alias();
-    db->m_number = file.subsystemNumber();
+    db->m_alias = head.alias();
+    db->m_number = head.subsystemNumber();
     for (const Entry& entry : translation.entries())
         db->m_translations.emplace(entry.number, entry.text);
     if (db->m_alias.empty()) {
@@ -296,9 +306,6 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
         if (!db->m_alias.empty())
             db->m_alias[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(db->m_alias[0])));
     }
-    db->m_entries = file.entries();
-    for (const Entry& entry : db->m_entries)
-        db->m_byNumber.emplace(entry.number, &entry);
 
     std::unique_lock lock(store().mutex);
     const auto [position, isNew] = store().loaded.emplace(subsystem, db);
@@ -306,7 +313,7 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
     lock.unlock();
     // Only now that the subsystem is known: telling of a fault in the file of "common" looks texts up in it.
     if (isNew) {
-        report(file);
+        report(head);
         report(translation);
     }
     return result;
@@ -318,8 +325,46 @@ void ComMsgMgrDb::clear() {
 }
 
 const ComMsgMgrFile::Entry* ComMsgMgrDb::find(std::string_view number) const {
-    const auto found = m_byNumber.find(number);
-    return found == m_byNumber.end() ? nullptr : found->second;
+    if (const ComMsgMgrFile::Entry* entry = findParsed(number))
+        return entry;
+    if (const ComMsgMgrFile::Entry* entry = parseOne(number))
+        return entry;
+    parseAll();
+    return findParsed(number);
+}
+
+const ComMsgMgrFile::Entry* ComMsgMgrDb::findParsed(std::string_view number) const {
+    std::lock_guard lock(m_mutex);
+    const auto found = m_entries.find(number);
+    return found == m_entries.end() ? nullptr : &found->second;
+}
+
+const ComMsgMgrFile::Entry* ComMsgMgrDb::parseOne(std::string_view number) const {
+    const std::string_view content = m_content;
+    const std::size_t begin = content.find("\nmessage " + std::string(number) + ' ');
+    if (begin == content.npos)
+        return nullptr;
+    const std::size_t end = content.find("\nmessage ", begin + 1);
+    ComMsgMgrFile part(m_subsystem, m_path);
+    if (!part.readText(
+            std::string(content.substr(0, m_firstMessage)).append(content.substr(begin, end - begin))))
+        return nullptr;
+    std::lock_guard lock(m_mutex);
+    return &m_entries.emplace(number, part.entries().front()).first->second;
+}
+
+void ComMsgMgrDb::parseAll() const {
+    ComMsgMgrFile whole(m_subsystem, m_path);
+    {
+        std::lock_guard lock(m_mutex);
+        if (std::exchange(m_parsedAll, true))
+            return;
+        if (!m_content.empty())
+            whole.readText(m_content);
+        for (const Entry& entry : whole.entries())
+            m_entries.emplace(entry.number, entry);
+    }
+    report(whole);
 }
 
 const std::string* ComMsgMgrDb::words(std::string_view number, bool translated) const {

@@ -2,9 +2,9 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/msg/ComMsgMgrInstance.h"
@@ -61,9 +61,11 @@ private:
 class ComMsgMgrDb {
 public:
     /// The words of a subsystem, read from data/msg/<subsystem>.msg under the application roots at the first
-    /// call and kept until clear(). Translations come from a file of the same form in data/msg/<language>,
-    /// the language being that of the variables LC_ALL, LC_MESSAGES and LANG ("de_AT", else "de"). Never
-    /// null: a subsystem without a file has no entries and an alias made from its name. Safe on any thread.
+    /// call and kept until clear(). A session needs few of a file's messages, so each is parsed when it is
+    /// asked for; the rest of the file is, and its faults are told, when one is missing. Translations come
+    /// from a file of the same form in data/msg/<language>, the language being that of the variables LC_ALL,
+    /// LC_MESSAGES and LANG ("de_AT", else "de"). Never null: a subsystem without a file has no entries and
+    /// an alias made from its name. Safe on any thread.
     static std::shared_ptr<const ComMsgMgrDb> of(std::string_view subsystem);
     /// Forgets what was read. Values handed out stay valid.
     static void clear();
@@ -81,9 +83,18 @@ public:
     static std::vector<std::string> subsystems();
 
 private:
+    const ComMsgMgrFile::Entry* findParsed(std::string_view number) const;
+    const ComMsgMgrFile::Entry* parseOne(std::string_view number) const;
+    void parseAll() const;
+
+    std::string m_subsystem;
+    std::string m_path; ///< empty for a subsystem without a file
+    std::string m_content;
+    std::size_t m_firstMessage = 0; ///< where the part before the first message ends
     std::string m_alias;
     unsigned m_number = 0;
-    std::vector<ComMsgMgrFile::Entry> m_entries;
-    std::unordered_map<std::string_view, const ComMsgMgrFile::Entry*> m_byNumber;
-    std::map<std::string, std::string, std::less<>> m_translations; ///< words by number
+    mutable std::mutex m_mutex;
+    mutable std::map<std::string, ComMsgMgrFile::Entry, std::less<>> m_entries; ///< guarded by m_mutex
+    mutable bool m_parsedAll = false;                                           ///< guarded by m_mutex
+    std::map<std::string, std::string, std::less<>> m_translations;             ///< words by number
 };
