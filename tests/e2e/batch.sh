@@ -51,4 +51,9 @@ batch -source deep.tcl
 check "endless recursion is a Tcl error" status_is 1
 check "endless recursion is explained" shows "too many nested evaluations"
 
+printf 'interp recursionlimit {} 10000000\nsource -notrace [info script]\n' >deeper.tcl
+batch -notrace -source deeper.tcl
+check "a script that raises Tcl's limit and sources itself ends with an error" status_is 1
+check "and is explained in the same words" shows "too many nested evaluations"
+
 finish

@@ -241,6 +241,9 @@ TEST_F(Options, AMissingRequiredOptionIsNamedWithTheUsage) {
 
 TEST_F(Options, AMissingValueSaysWhatIsDue) {
     EXPECT_TRUE(has(refused("-number"), "needs a value: an integer"));
+    EXPECT_TRUE(has(refused("-name"), "needs a value: any text"));
+    EXPECT_TRUE(has(refused("-source"), "needs a value: any text"));
+    EXPECT_TRUE(has(refused("-names"), "needs a value: a list"));
     EXPECT_TRUE(has(refused("-mode"), "gui, tcl or batch"));
 }
 

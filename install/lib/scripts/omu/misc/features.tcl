@@ -95,7 +95,7 @@ proc ::omu::features::check {kind value where} {
 }
 
 proc ::omu::features::kind {kind} {
-    dict get {integer "an integer of zero or more" text "a value"} $kind
+    dict get {integer "an integer of zero or more" text "any text"} $kind
 }
 
 proc ::omu::features::usage {command} {

@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <pthread.h>
 #include <semaphore.h>
 #include <set>
 #include <string_view>
@@ -163,7 +164,31 @@ int run(call_frame& frame, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv) {
     return code;
 }
 
+// How low the stack of this thread may come while a command can still begin. A script that raises Tcl's limit
+// of nested evaluations could otherwise use up the stack. Null if the stack is not known.
+const char* stack_floor() {
+    static constexpr size_t reserve = 256 << 10;
+    static thread_local const char* const floor = []() -> const char* {
+        pthread_attr_t attributes;
+        if (pthread_getattr_np(pthread_self(), &attributes) != 0) {
+            return nullptr;
+        }
+        void* lowest = nullptr;
+        size_t size = 0;
+        pthread_attr_getstack(&attributes, &lowest, &size);
+        pthread_attr_destroy(&attributes);
+        return static_cast<const char*>(lowest) + std::min(reserve, size / 4);
+    }();
+    return floor;
+}
+
 int dispatch(ClientData data, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv) {
+    if (static_cast<const char*>(__builtin_frame_address(0)) < stack_floor()) {
+        // Tcl's own words for the same mistake.
+        Tcl_SetObjResult(interp, Tcl_NewStringObj("too many nested evaluations (infinite loop?)", -1));
+        Tcl_SetErrorCode(interp, "TCL", "LIMIT", "STACK", nullptr);
+        return TCL_ERROR;
+    }
     command_entry& entry = *static_cast<command_entry*>(data);
     call_frame frame(entry, currentFrame);
     if (frame.outer == nullptr && topLevelDepth == 0 &&

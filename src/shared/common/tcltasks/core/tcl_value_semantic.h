@@ -47,7 +47,7 @@ constexpr const char* value_kind() {
     } else if constexpr (std::is_pointer_v<T> && !std::is_same_v<T, Tcl_Obj*>) {
         return "an object or its name";
     } else {
-        return "a value";
+        return "any text";
     }
 }
 
@@ -177,7 +177,11 @@ public:
     const std::string& switch_name() const override { return m_switchName; }
     bool has_default_provider() const override { return static_cast<bool>(m_defaultProvider); }
     const std::string& default_text() const override { return m_defaultText; }
-    const char* value_kind() const override { return detail::value_kind<T>(); }
+    const char* value_kind() const override {
+        constexpr bool oneByOne =
+            detail::is_list_value<T>::value && !std::is_same_v<tcltype, tcltypes::tcllist>;
+        return detail::value_kind<std::conditional_t<oneByOne, std::string, T>>();
+    }
     boost::program_options::value_semantic& boost_semantic() override { return *this; }
 
 private:
