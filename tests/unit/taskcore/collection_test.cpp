@@ -46,6 +46,15 @@ TEST_F(Collection, ADefaultHandleIsAnEmptyCollection) {
     EXPECT_EQ(text(tclobj_ref(native_wrapper<gates>::convert_to_tcl(none)).get()), "");
 }
 
+TEST_F(Collection, TheElementsOfAHandleThatGoesAreStillThere) {
+    const auto made = [&] { return abc(); };
+    std::string names;
+    for (gate* g : *made()) {
+        names += g->name;
+    }
+    EXPECT_EQ(names, "abc");
+}
+
 TEST_F(Collection, CopiesShareTheBodyAndACloneIsIndependent) {
     gates first = abc();
     gates second = first;

@@ -3,8 +3,7 @@
 #include "tcltasks/core/task.h"
 using namespace vek::tcltasks;
 namespace sample {
-class task : public HTCITaskHelper<task> {
-public:
+struct task : HTCITaskHelper<task> {
     static constexpr const char* command = "sample::pins";
     static void load_description() {
         description_instance("Count the pins of parts.", "number of pins")
@@ -15,8 +14,9 @@ public:
         positional_instance().add("parts", 1);
     }
     int execute(Tcl_Interp* interp) override {
+        const auto parts = get_option<tcl_collection<HSTVector<part*>>>("parts");
         int pins = 0;
-        for (part* p : *get_option<tcl_collection<HSTVector<part*>>>("parts"))
+        for (part* p : *parts)
             pins += p->pins >= get_option<int>("minimum") ? p->pins : 0;
         return set_result(interp, get_option<bool>("loud") ? 2 * pins : pins);
     }

@@ -77,3 +77,10 @@ ParamScope::ParamScope(const std::string& name, const std::string& value) : m_na
 ParamScope::~ParamScope() {
     HPAParamMgr::getParamMgr().reset(m_name);
 }
+
+#ifdef __SANITIZE_THREAD__
+// Tcl makes the mutex of a thread's event queue at its first use, in a way that the sanitizer cannot follow.
+extern "C" const char* __tsan_default_suppressions() {
+    return "race:Tcl_ServiceEvent\n";
+}
+#endif

@@ -323,9 +323,12 @@ public:
     /// collection that Tcl already knows goes through the body, which drops what was made from the old
     /// elements.
     C* operator->() { return &body().elements(); }
-    C& operator*() { return body().elements(); }
+    C& operator*() & { return body().elements(); }
     const C* operator->() const { return &body().elements(); }
-    const C& operator*() const { return body().elements(); }
+    const C& operator*() const& { return body().elements(); }
+    /// Of a handle that is about to go, a copy: `for (auto* g : *get_option<gates>("gates"))` is safe, and
+    /// costs that copy.
+    C operator*() && { return body().elements(); }
 
     wrapper& body() const {
         if (!m_body) {
