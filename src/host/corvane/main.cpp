@@ -40,8 +40,8 @@ void complain(const std::string& text) {
 int stackMB() {
     int size = defaultStackMB;
     for (size_t i = 1; i + 1 < commandLine.size() && commandLine[i] != "-tclargs"; ++i) {
-        if (commandLine[i] != "-stack") {
-            continue;
+        if (commandLine[i].size() < 3 || !std::string_view("-stack").starts_with(commandLine[i])) {
+            continue; // -s could be another option
         }
         const std::string& text = commandLine[i + 1];
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/env/HSTStringUtils.h"
+#include "platform/env/HSTVector.h"
 #include "platform/env/HUTEnv.h"
 #include "platform/env/HUTFile.h"
 #include "platform/env/HUTLogFileMgr.h"
@@ -24,6 +25,7 @@
 #include "tcltasks/driver/detail/RunMode.h"
 #include "tcltasks/driver/detail/driver.h"
 #include "tcltasks/driver/detail/product_scripts.h"
+#include "tcltasks/driver/detail/session_events.h"
 #include "tcltasks/driver/detail/version.h"
 
 // Tcl's own, exported for its extensions: makes the interpreter take commands again after an interrupt whose
@@ -387,8 +389,18 @@ private:
         }
     }
 
+    static bool has_gui(Tcl_Interp* interp) {
+        return Tcl_FindCommand(interp, "common::start_gui", nullptr, TCL_GLOBAL_ONLY) != nullptr;
+    }
+
+    // In a regression run the windows source the scripts themselves; an installation without any has to do it
+    // here.
+    bool hands_scripts_to_gui(Tcl_Interp* interp) const {
+        return m_mode == RunMode::gui && get_option<bool>("regress") && has_gui(interp);
+    }
+
     static void start_gui(Tcl_Interp* interp) {
-        if (!Tcl_FindCommand(interp, "common::start_gui", nullptr, TCL_GLOBAL_ONLY)) {
+        if (!has_gui(interp)) {
             ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_ERROR, "@17-5250@%s\n", getLowerProductName());
         } else if (task_manager::eval_in_tcl(interp, "common::start_gui -return", "start_gui", false) ==
                    TCL_ERROR) {
@@ -429,6 +441,11 @@ private:
                 return code;
             }
         }
+        if (project.empty() && hands_scripts_to_gui(interp)) {
+            HSTVector<std::string> names(scripts);
+            HUTGuiEvent::fire<driver::detail::source_in_gui>(&names);
+            return TCL_OK;
+        }
         for (const std::string& script : scripts) {
             if (const int code = source(interp, script); code != TCL_OK) {
                 return code;
@@ -462,6 +479,15 @@ private:
     }
 
     static int source(Tcl_Interp* interp, const std::string& script) {
+        HSTVector<std::string> progress;
+        progress.push_back("Sourcing Tcl script '" + script + "'");
+        HUTGuiEvent::fire<driver::detail::start_progress_dialog>(&progress);
+        const int code = source_as_argv0(interp, script);
+        HUTGuiEvent::fire<driver::detail::stop_progress_dialog>(static_cast<void*>(nullptr));
+        return code;
+    }
+
+    static int source_as_argv0(Tcl_Interp* interp, const std::string& script) {
         const script_name named(interp, script);
         tclcmdobj command(interp, "source");
         command.append(script);

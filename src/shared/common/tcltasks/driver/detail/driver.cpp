@@ -13,6 +13,7 @@
 #include "platform/taskcore/task_manager.h"
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/HTCTclUtils.h"
+#include "tcltasks/driver/detail/session_events.h"
 #include "tcltasks/driver/detail/version.h"
 
 namespace driver {
@@ -31,6 +32,7 @@ void baseInit(bool quiet) {
         HUTEnv::printHeader(true);
     }
     HUTEnv::maybeAdjustLocaleSetting();
+    HUTGuiEvent::fire<detail::engine_start>();
 }
 
 } // namespace
@@ -65,6 +67,7 @@ void uninit(bool quiet) {
                            HUTEnv::getTimeStamp());
     }
     HUTMemWatcher::genLogTotals();
+    HUTGuiEvent::fire<detail::engine_stop>();
     HUTLogFileMgr::flush();
 }
 
