@@ -179,10 +179,6 @@ void HUTEnv::setProductInfo(HUTProductInfo info) {
     env().product = std::move(info);
 }
 
-const HUTProductInfo& HUTEnv::getProductInfo() {
-    return env().product;
-}
-
 const std::string& HUTEnv::getProductName() {
     return env().product.name;
 }

@@ -31,7 +31,6 @@ class HUTEnv {
 public:
     /// Product. setProductInfo belongs at the very start, before anything reads it.
     static void setProductInfo(HUTProductInfo info);
-    static const HUTProductInfo& getProductInfo();
     static const std::string& getProductName();
     static const std::string& getProductVersion();
     /// The first two numbers of the version: "2026.1" of "2026.1.3".

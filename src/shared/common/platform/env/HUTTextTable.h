@@ -29,8 +29,6 @@ public:
     /// Columns are counted from 0; left is the default.
     void setAlign(size_t column, Align align);
 
-    void setWidth(size_t width) { width_ = width; }
-
     /// Lets the last column, a longer text, go below its row, indented, when the table would be wider than
     /// its limit otherwise:
     ///
