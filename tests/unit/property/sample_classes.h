@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -50,11 +51,12 @@ struct chip {
     std::map<std::string, std::string> values = {};
 };
 
+/// Gates live until the process ends, as Tcl values may.
 inline gate* new_gate(std::string name, int fanout = 0) {
-    auto* made = new gate{std::move(name), fanout};
-    static long next = 0;
-    made->serial = ++next;
-    return made;
+    static std::deque<gate>& gates = *new std::deque<gate>;
+    gate& made = gates.emplace_back(gate{std::move(name), fanout});
+    made.serial = static_cast<long>(gates.size());
+    return &made;
 }
 
 } // namespace sample
