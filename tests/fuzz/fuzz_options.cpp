@@ -176,11 +176,15 @@ void read(const task_options_base& task, const std::string& name, const boost::a
     require(known);
 }
 
-int parse(Tcl_Interp* interp, call& task, const std::vector<tclobj_ref>& words) {
+std::vector<Tcl_Obj*> pointers_to(const std::vector<tclobj_ref>& words) {
     std::vector<Tcl_Obj*> objv;
     for (const tclobj_ref& word : words) {
         objv.push_back(word.get());
     }
+    return objv;
+}
+
+int parse(Tcl_Interp* interp, call& task, const std::vector<Tcl_Obj*>& objv) {
     Tcl_ResetResult(interp);
     return task.parse_options(interp, static_cast<int>(objv.size()), objv.data());
 }
@@ -202,7 +206,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::vector<tclobj_ref> words = words_of(bytes);
 
     call task(options, positional);
-    const int code = parse(interp, task, words);
+    const std::vector<Tcl_Obj*> objv = pointers_to(words);
+    const int code = parse(interp, task, objv);
     const std::string result = Tcl_GetStringResult(interp);
     if (code == TCL_OK) {
         for (const auto& option : options.options()) {
@@ -222,6 +227,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     require(!task.cmdline(interp).empty());
 
     call again(options, positional);
-    require(parse(interp, again, words) == code && result == Tcl_GetStringResult(interp));
+    require(parse(interp, again, objv) == code && result == Tcl_GetStringResult(interp));
     return 0;
 }
