@@ -120,7 +120,7 @@ proc look_up {names times} {
 close [file tempfile other corvane_bench]
 set from [open $small]
 set to [open $other w]
-puts -nonewline $to [string map {{"top": \{} {"small": \{}} [read $from]]
+puts -nonewline $to [string map [list "\"top\": \{" "\"small\": \{"] [read $from]]
 close $to
 close $from
 read_netlist $other
