@@ -2,7 +2,7 @@
 // Gives a property its default again, on all objects or on none. Can be undone.
 #include "platform/gui/HDGUIStatus.h"
 #include "tcltasks/property/detail/options.h"
-#include "tcltasks/property/detail/setting.h"
+#include "tcltasks/property/detail/setting_task.h"
 
 using namespace vek::tcltasks;
 using namespace HCPProperty;
@@ -10,7 +10,7 @@ using namespace HTCProperty::detail;
 
 namespace reset_property {
 
-class task : public HTCITaskHelper<task, has_undo> {
+class task : public setting_task<task, has_undo> {
 public:
     static constexpr const char* command = "common::reset_property";
 
@@ -61,19 +61,6 @@ public:
         }
         return TCL_OK;
     }
-
-    int undo() override { return 0; }
-    int undo(Tcl_Interp* interp, int, Tcl_Obj* const*) override {
-        return setting::undo(m_setter.get(), interp, m_name);
-    }
-    int redo() override { return 0; }
-    int redo(Tcl_Interp* interp, int, Tcl_Obj* const*) override {
-        return setting::redo(m_setter.get(), interp, m_name);
-    }
-
-private:
-    std::string m_name;
-    std::shared_ptr<Setter> m_setter;
 };
 
 extern const task_entry entry = entry_of<task>;

@@ -3,7 +3,7 @@
 #include "platform/gui/HDGUIStatus.h"
 #include "tcltasks/core/native_types.h"
 #include "tcltasks/property/detail/options.h"
-#include "tcltasks/property/detail/setting.h"
+#include "tcltasks/property/detail/setting_task.h"
 
 using namespace vek::tcltasks;
 using namespace HCPProperty;
@@ -11,7 +11,7 @@ using namespace HTCProperty::detail;
 
 namespace set_attribute {
 
-class task : public HTCITaskHelper<task, has_undo> {
+class task : public setting_task<task, has_undo> {
 public:
     static constexpr const char* command = "omu::set_attribute";
 
@@ -45,19 +45,6 @@ public:
         }
         return TCL_OK;
     }
-
-    int undo() override { return 0; }
-    int undo(Tcl_Interp* interp, int, Tcl_Obj* const*) override {
-        return setting::undo(m_setter.get(), interp, m_name);
-    }
-    int redo() override { return 0; }
-    int redo(Tcl_Interp* interp, int, Tcl_Obj* const*) override {
-        return setting::redo(m_setter.get(), interp, m_name);
-    }
-
-private:
-    std::string m_name;
-    std::shared_ptr<Setter> m_setter;
 };
 
 extern const task_entry entry = entry_of<task>;
