@@ -7,7 +7,7 @@
 
 #include "platform/property/HATAttr.h"
 
-/// The specification of one property of a class: its name, type, default and range, and how it may be used.
+/// The spec of one property of a class: its name, type, default and range, and how it may be used.
 /// A new one describes a visible, read-only string property without default. Interpreter's thread.
 class HATAttrSpec {
 public:
@@ -29,7 +29,7 @@ public:
     /// True for a property that a user made from Tcl.
     bool isUserDefined() const { return m_userDefined; }
     void setUserDefined(bool on) { m_userDefined = on; }
-    /// True once the property was taken out of its class; who still holds the specification sees it so.
+    /// True once the property was taken out of its class; who still holds the spec sees it so.
     bool isDeleted() const { return m_deleted; }
     void setDeleted(bool on) { m_deleted = on; }
 

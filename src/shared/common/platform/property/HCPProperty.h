@@ -112,10 +112,10 @@ public:
     void setGetFcn(GetFcn function) { m_get = std::move(function); }
     void setSetterFcn(SetterFcn function) { m_setter = std::move(function); }
     void setValidFcn(ValidFcn function) { m_valid = std::move(function); }
-    /// For the specification `_default_` of a class that takes properties of the user's.
+    /// For the spec `_default_` of a class that takes properties of the user's.
     void setUserSpecFcn(UserSpecFcn function) { m_userSpec = std::move(function); }
 
-    /// On the specification `_default_`: gives a property that a user made its getter and its place to keep
+    /// On the spec `_default_`: gives a property that a user made its getter and its place to keep
     /// values, or takes these away. False if the class takes none.
     bool registerUserSpec(const std::shared_ptr<Spec>& spec) const {
         return m_userSpec && m_userSpec(spec, true);
@@ -186,7 +186,7 @@ public:
     attr_spec_iterator beginAttrSpec(const tclany& object) const;
     attr_spec_iterator endAttrSpec() const;
 
-    /// The specification of a property that the object has; null if it has none of this name.
+    /// The spec of a property that the object has; null if it has none of this name.
     HATAttrSpec* getAttrSpec(const tclany& object, const std::string& name) const;
 
     /// Lets an old name stand for a current one. The use of it is warned of; a value that is set under it
@@ -285,7 +285,7 @@ public:
     }
     /// Whether an object could have the property: its class has it, or a `_default_` that knows the name.
     bool known(const ObjectInfo& info, const void* object);
-    /// The specification that was read last; null if there is none.
+    /// The spec that was read last; null if there is none.
     const Spec* spec() const { return m_spec; }
     const std::string& name() const { return m_name; }
 

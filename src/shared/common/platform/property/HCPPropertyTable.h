@@ -183,7 +183,7 @@ public:
             });
         }
         if (m_write) {
-            // The specification outlives its setters, but must not hold itself.
+            // The spec outlives its setters, but must not hold itself.
             spec->setSetterFcn(
                 [info = &info, weak = std::weak_ptr<Spec>(spec), read = m_read, write = m_write] {
                     return makeSetter(*info, {weak.lock(), read, write, false});

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The class "attr_spec", by which get_property reads the specification of a property.
+/// The class "attr_spec", by which get_property reads the spec of a property.
 namespace HTCGetAttrSpecProperties {
 
 /// Registers the class; a second call does nothing.
