@@ -162,6 +162,12 @@ type "    expr \{\$n * 2\}" {> $}
 type "\}"
 type "set y \[twice 21\]"
 type "incr x"
+type "!!"
+type "lappend list one"
+type "^one^two"
+type "!lap; incr x"
+type "history redo 3"
+type "!nosuch"
 type "set_param general.maxThreads 4"
 type "set_param general.maxThreads much"
 type "nosuchcommand"
@@ -182,7 +188,7 @@ EXPECT
 rm -f first.* second.* third.*
 STATE=first.state run timeout 100 expect prompt.exp "$corvane" "$blinker"
 check "the session at a prompt ends with its own status" status_is 3
-check "what was typed at the prompt took effect" grep -qx 'variable ::x 2' first.state
+check "what was typed at the prompt took effect" grep -qx 'variable ::x 4' first.state
 STATE=second.state input=first.jou run "$corvane" -mode tcl -log second.log -journal second.jou
 check "a journal with failed commands can be typed in to its end" status_is 0
 check "a journal with failed commands makes the state of the session" same_state

@@ -1,29 +1,14 @@
 // omu::HistAdd COMMAND ?exec?
 // Adds a command to the history and to the journal, and evaluates it if the second word is exec.
-#include "platform/msg/ComMsgMgr.h"
 #include "platform/tcl/HTCHistory.h"
 #include "platform/tcl/HTCTclEncoding.h"
-#include "tcltasks/builtin/detail/translated.h"
+#include "tcltasks/builtin/detail/journal.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
 
 namespace history_cmds::add {
-
-namespace {
-
-// An exit shows that the session ends, but a journal that is replayed goes on.
-ComMsgMgr::MsgMask mask_of(const std::string& command) {
-    const bool ends = command == "exit" || command.starts_with("exit ");
-    return ends ? ComMsgMgr::MSGTYPE_STATUS : ComMsgMgr::MSGTYPE_USER_COMMAND;
-}
-
-bool is_journaled(const std::string& command) {
-    return !command.starts_with("omu::") && !HTCBuiltin::detail::command_has_translation(command);
-}
-
-} // namespace
 
 class task : public HTCITaskHelper<task, history_tags> {
 public:
@@ -47,9 +32,7 @@ public:
     int execute(Tcl_Interp* interp) override {
         const auto text = get_option<std::string>("command");
         HTCHistory::Mgr::instance().add(text);
-        if (is_journaled(text)) {
-            ComMsgMgr::sendMsgString("common", mask_of(text), text + "\n");
-        }
+        HTCBuiltin::detail::journal_command(interp, text);
         if (get_option<std::string>("exec") != "exec") {
             return set_result(interp, "");
         }

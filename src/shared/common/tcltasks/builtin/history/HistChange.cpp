@@ -1,6 +1,7 @@
 // omu::HistChange -newvalue TEXT ?-event N?
 // Puts another text in the place of an event of the history, the newest one unless another is named.
 #include "platform/tcl/HTCHistory.h"
+#include "tcltasks/builtin/detail/journal.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/core/task.h"
 
@@ -22,8 +23,11 @@ public:
     std::string owner() const override { return "common"; }
     bool is_hidden() const override { return true; }
 
-    int execute(Tcl_Interp*) override {
-        HTCHistory::Mgr::instance().change(get_option<std::string>("newvalue"), get_option<int>("event"));
+    int execute(Tcl_Interp* interp) override {
+        const auto text = get_option<std::string>("newvalue");
+        const int event = get_option<int>("event");
+        HTCHistory::Mgr::instance().change(text, event);
+        HTCBuiltin::detail::journal_changed_event(interp, event, text);
         return TCL_OK;
     }
 };

@@ -2,6 +2,7 @@
 // Evaluates an event of the history again, the one before the newest unless another is named.
 #include "platform/tcl/HTCHistory.h"
 #include "platform/tcl/HTCTclEncoding.h"
+#include "tcltasks/builtin/detail/journal.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/core/task.h"
 
@@ -31,6 +32,7 @@ public:
         const std::string text = history.event(get_option<int>("event"));
         // The newest event is the command that asks for this.
         history.change(text, history.nextid() - 1);
+        HTCBuiltin::detail::journal_changed_event(interp, 0, text);
         const tclobj_ref script(HTCTclEncoding::tclNewStringObj(text));
         return Tcl_EvalObjEx(interp, script.get(), TCL_EVAL_GLOBAL | TCL_EVAL_DIRECT);
     }
