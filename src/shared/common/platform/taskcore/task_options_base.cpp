@@ -347,11 +347,11 @@ bool task_options_base::specified_option(const std::string& name) const {
     return infra && boost::any_cast<bool>(*infra);
 }
 
-std::vector<std::string> task_options_base::supported_options() const {
-    std::vector<std::string> names;
+std::string task_options_base::supported_options() const {
+    std::string names;
     for (const auto& option : get_options_description().options()) {
         if (!option.semantic->is_hidden()) {
-            names.push_back(option.name);
+            names += (names.empty() ? "-" : " -") + option.name;
         }
     }
     return names;

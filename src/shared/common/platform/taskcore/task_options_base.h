@@ -65,8 +65,9 @@ public:
         return specified_option(std::string(name)) ? std::optional<V>(get_option<V>(name)) : std::nullopt;
     }
 
-    /// The names of the declared switches that are listed, in order of declaration, without dash.
-    std::vector<std::string> supported_options() const;
+    /// The declared switches that are listed, in order of declaration, each with its dash and a blank between
+    /// two of them.
+    std::string supported_options() const;
 
     /// Help on the command `name`: `form` is "syntax", "args" or "long".
     std::string help(Tcl_Interp* interp, const std::string& name, const std::string& form) const;

@@ -7,6 +7,9 @@
 #include "platform/tcl/HTCTclInterp.h"
 #include "platform/tcl/tclobj_ref.h"
 
+// Tcl's own, exported for extensions; null for a command that was not imported.
+extern "C" Tcl_Command TclGetOriginalCommand(Tcl_Command command);
+
 namespace {
 
 std::atomic<bool (*)(Tcl_Interp*)> catchQuery{nullptr};
@@ -75,6 +78,19 @@ bool HTCTclUtils::isSourcingScript(Tcl_Interp* interp) {
 bool HTCTclUtils::isInCatch(Tcl_Interp* interp) {
     const auto query = catchQuery.load();
     return query && query(interp);
+}
+
+std::string HTCTclUtils::tclNamespaceOrigin(Tcl_Interp* interp, const std::string& name) {
+    Tcl_Command command = Tcl_FindCommand(interp, name.c_str(), nullptr, TCL_GLOBAL_ONLY);
+    if (!command) {
+        return {};
+    }
+    if (Tcl_Command original = TclGetOriginalCommand(command)) {
+        command = original;
+    }
+    const vek::tcltasks::tclobj_ref full(Tcl_NewObj());
+    Tcl_GetCommandFullName(interp, command, full.get());
+    return Tcl_GetString(full.get());
 }
 
 bool HTCTclUtils::tclIsCmdInGlobalNamespace(Tcl_Interp* interp, const std::string& name) {

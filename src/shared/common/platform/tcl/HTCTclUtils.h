@@ -28,6 +28,10 @@ public:
     /// True if a command stands under this plain name in the global namespace.
     static bool tclIsCmdInGlobalNamespace(Tcl_Interp* interp, const std::string& name);
 
+    /// The full name of the command behind a name that the global namespace sees: of an imported command, the
+    /// one that it was imported from. Empty if there is no such command. Names are in Tcl's encoding.
+    static std::string tclNamespaceOrigin(Tcl_Interp* interp, const std::string& name);
+
     /// How isInCatch finds out; the command that replaces catch installs it.
     static void setCatchQuery(bool (*query)(Tcl_Interp*));
 
