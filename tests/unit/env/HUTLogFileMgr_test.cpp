@@ -462,6 +462,39 @@ TEST_F(LogFileTest, WhatFollowsALostTextStartsOnALineOfItsOwn) {
     EXPECT_EQ(child.status, 0);
 }
 
+TEST_F(LogFileTest, ARemovedFileIsToldOnce) {
+    Log::createLogFile("l", false);
+    Log::createJournalFile("j", false);
+    Log::checkFiles();
+    EXPECT_FALSE(Log::hasWriteError());
+    std::filesystem::remove("l");
+    Log::checkFiles();
+    EXPECT_TRUE(Log::hasWriteError());
+    const auto error = Log::takeWriteError();
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->path, (std::filesystem::current_path() / "l").string());
+    EXPECT_EQ(error->code, std::errc::no_such_file_or_directory);
+    Log::writeLog("into nowhere\n");
+    Log::flush();
+    Log::checkFiles();
+    EXPECT_FALSE(Log::hasWriteError());
+    std::filesystem::remove("j");
+    Log::checkFiles();
+    EXPECT_TRUE(Log::takeWriteError()) << "the journal is a file of its own";
+    Log::createLogFile("l", false);
+    std::filesystem::remove("l");
+    Log::checkFiles();
+    EXPECT_TRUE(Log::takeWriteError()) << "so is a new log";
+}
+
+TEST_F(LogFileTest, ARenamedFileAndADeviceAreStillThere) {
+    Log::createLogFile("l", false);
+    Log::createJournalFile("/dev/null", false);
+    std::filesystem::rename("l", "other");
+    Log::checkFiles();
+    EXPECT_FALSE(Log::hasWriteError());
+}
+
 TEST_F(LogFileTest, TheHandlersFlushWritesBothFiles) {
     Log::createLogFile("l", false);
     Log::createJournalFile("j", false);

@@ -52,6 +52,8 @@ public:
     void write(std::string_view text);
     void flush();
     void flush_from_signal_handler() noexcept;
+    void check();
+    bool has_error() const noexcept { return has_error_.load(std::memory_order_relaxed); }
     std::optional<HUTLogFileMgr::WriteError> take_error();
     std::string name() const;
     std::string full_name() const;
@@ -61,7 +63,8 @@ private:
     void add(std::string_view text);
     void drain(size_t count);
     void drain_whole_lines();
-    void fail();
+    void fail(int code);
+    void look_for_file();
 
     const char* const kind_;
     mutable signal_safe_lock lock_; // guards all below
@@ -70,7 +73,10 @@ private:
     bool line_open_ = false;     // what was last added does not end a line
     std::thread::id line_owner_; // of the open line; none when a part of it was lost
     bool failing_ = false;       // the last write was refused
+    bool removed_ = false;       // the file has no name any more
+    time_t checked_ = 0;         // when it was last looked for, in seconds of any clock
     std::optional<HUTLogFileMgr::WriteError> error_;
+    std::atomic<bool> has_error_{false}; // whether error_ holds one
     std::atomic<size_t> size_{0};
     std::array<char, 65536> buffer_; // of fixed place, so that the handler may read it at any moment
 };
@@ -232,6 +238,7 @@ void stream::open(const std::string& name, bool append, const stream& other) {
     full_name_ = full;
     line_open_ = false;
     failing_ = false;
+    removed_ = false;
     size_ = 0;
     fd_ = file.release();
 }
@@ -283,7 +290,7 @@ void stream::add(std::string_view text) {
             failing_ = false;
             return;
         }
-        fail();
+        fail(errno);
     }
     // The rest is lost. What comes next must not be glued to a line that was cut off.
     const bool cut = size_ > 0 ? buffer_[size_ - 1] != '\n' : written > 0 && text[written - 1] != '\n';
@@ -296,7 +303,7 @@ void stream::drain(size_t count) {
         return;
     const size_t written = env_detail::write_all(fd_, {buffer_.data(), count});
     if (written < count)
-        fail();
+        fail(errno);
     else
         failing_ = false;
     std::memmove(buffer_.data(), buffer_.data() + written, size_ - written);
@@ -308,10 +315,11 @@ void stream::drain_whole_lines() {
     drain(end == std::string_view::npos ? 0 : end + 1);
 }
 
-void stream::fail() {
-    const int code = errno;
-    if (!failing_)
+void stream::fail(int code) {
+    if (!failing_) {
         error_ = HUTLogFileMgr::WriteError{full_name_, std::error_code(code, std::generic_category())};
+        has_error_ = true;
+    }
     failing_ = true;
 }
 
@@ -319,8 +327,32 @@ void stream::flush() {
     if (size_ == 0)
         return; // mostly so, since every command ends with a flush
     const std::lock_guard guard(lock_);
+    if (fd_ < 0)
+        return;
+    drain(size_);
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    if (now.tv_sec != checked_) {
+        checked_ = now.tv_sec;
+        look_for_file();
+    }
+}
+
+void stream::check() {
+    const std::lock_guard guard(lock_);
     if (fd_ >= 0)
-        drain(size_);
+        look_for_file();
+}
+
+// Writing to a file that has been removed works, and all is lost when it is closed.
+void stream::look_for_file() {
+    struct stat status;
+    if (removed_ || ::fstat(fd_, &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink > 0)
+        return;
+    removed_ = true;
+    error_ =
+        HUTLogFileMgr::WriteError{full_name_, std::make_error_code(std::errc::no_such_file_or_directory)};
+    has_error_ = true;
 }
 
 void stream::flush_from_signal_handler() noexcept {
@@ -347,6 +379,7 @@ void stream::flush_from_signal_handler() noexcept {
 
 std::optional<HUTLogFileMgr::WriteError> stream::take_error() {
     const std::lock_guard guard(lock_);
+    has_error_ = false;
     return std::exchange(error_, std::nullopt);
 }
 
@@ -427,6 +460,11 @@ void HUTLogFileMgr::flush() {
     journal_stream().flush();
 }
 
+void HUTLogFileMgr::checkFiles() {
+    log_stream().check();
+    journal_stream().check();
+}
+
 void HUTLogFileMgr::flushFromSignalHandler() noexcept {
     log_stream().flush_from_signal_handler();
     journal_stream().flush_from_signal_handler();
@@ -436,6 +474,10 @@ std::optional<HUTLogFileMgr::WriteError> HUTLogFileMgr::takeWriteError() {
     if (auto error = log_stream().take_error())
         return error;
     return journal_stream().take_error();
+}
+
+bool HUTLogFileMgr::hasWriteError() noexcept {
+    return log_stream().has_error() || journal_stream().has_error();
 }
 
 void HUTLogFileMgr::closeLog() {

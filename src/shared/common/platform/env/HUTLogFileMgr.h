@@ -51,8 +51,11 @@ public:
     static void writeJournal(std::string_view text);
 
     /// Hands what was written to the system. What could not be written, as on a full disk, is kept and tried
-    /// again as long as it fits in memory.
+    /// again as long as it fits in memory. Looks once a second whether the files are still there.
     static void flush();
+
+    /// Looks whether the open files are still there, which writing to them does not tell.
+    static void checkFiles();
 
     /// The same for use in a signal handler: takes no lock that it might wait for without end, and allocates
     /// nothing.
@@ -60,11 +63,13 @@ public:
 
     struct WriteError {
         std::string path;
-        std::error_code code;
+        std::error_code code; ///< std::errc::no_such_file_or_directory for a file that was removed
     };
-    /// A write that failed since the last call. Each failure is told once; the next one only after writing
-    /// had worked again.
+    /// A write that failed since the last call, or a file that was removed. Each failure is told once; the
+    /// next one only after writing had worked again, and for a file that was removed never.
     static std::optional<WriteError> takeWriteError();
+    /// Whether there is one to be taken. One atomic read.
+    static bool hasWriteError() noexcept;
 
     static void closeLog();
     static void closeJournal();

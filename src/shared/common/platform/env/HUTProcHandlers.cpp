@@ -304,6 +304,13 @@ void HUTProcHandlers::installHandlers() {
         ::sigemptyset(&end.sa_mask);
         for (const int signal : {SIGTERM, SIGHUP})
             install(signal, end);
+
+        // Not ignored, since the programs that scripts start would inherit that.
+        struct sigaction survive {};
+        survive.sa_handler = [](int) {};
+        survive.sa_flags = SA_ONSTACK | SA_RESTART;
+        ::sigemptyset(&survive.sa_mask);
+        install(SIGXFSZ, survive);
     });
 }
 

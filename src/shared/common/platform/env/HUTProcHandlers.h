@@ -8,8 +8,9 @@
 /// is written to
 /// "<program>_pid<pid>.crash" in the working directory, or in the temporary directory when that fails; log
 /// and journal are flushed; one line on standard error says where the report is; then the process ends with
-/// that signal. SIGTERM and SIGHUP: log and journal are flushed and the process ends with that signal. A
-/// signal that was ignored at the start, as by nohup, stays ignored.
+/// that signal. SIGTERM and SIGHUP: log and journal are flushed and the process ends with that signal.
+/// SIGXFSZ: nothing; the write that made a file too large fails as on a full disk. A signal that was ignored
+/// at the start, as by nohup, stays ignored.
 class HUTProcHandlers {
 public:
     /// Installs the handlers and an alternate stack for the calling thread. Later calls do nothing. Call

@@ -17,6 +17,7 @@
 #include "platform/env/HUTLogFileMgr.h"
 #include "platform/env/HUTProcHandlers.h"
 #include "platform/msg/ComMsgMgr.h"
+#include "platform/msg/log_failures.h"
 #include "platform/param/HPAParamMgr.h"
 #include "platform/taskcore/DefaultSignalHandlers.h"
 #include "platform/taskcore/HTCUndoRedo.h"
@@ -205,6 +206,7 @@ int dispatch(ClientData data, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv
     }
     // What a finished command has logged survives whatever ends the process next.
     HUTLogFileMgr::flush();
+    com_msg_mgr::report_log_failures();
     task_statistics& statistics = entry.statistics;
     ++statistics.calls;
     statistics.failures += code == TCL_ERROR;
@@ -435,10 +437,8 @@ task_manager::top_level::~top_level() {
         return;
     }
     HUTLogFileMgr::flush();
-    if (const auto failed = HUTLogFileMgr::takeWriteError()) {
-        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5018@%s%s\n", failed->path,
-                           failed->code.message());
-    }
+    HUTLogFileMgr::checkFiles();
+    com_msg_mgr::report_log_failures();
 }
 
 namespace {

@@ -9,6 +9,7 @@
 #include "platform/env/HUTMemWatcher.h"
 #include "platform/env/HUTProcHandlers.h"
 #include "platform/msg/ComMsgMgr.h"
+#include "platform/msg/log_failures.h"
 #include "platform/msg/HEX.h"
 #include "platform/taskcore/task_manager.h"
 #include "platform/tcl/HTCTclEncoding.h"
@@ -68,6 +69,8 @@ void uninit(bool quiet) {
     }
     HUTMemWatcher::genLogTotals();
     HUTGuiEvent::fire<detail::engine_stop>();
+    HUTLogFileMgr::flush();
+    com_msg_mgr::report_log_failures();
     HUTLogFileMgr::flush();
 }
 
