@@ -1,24 +1,24 @@
 #include "Shell.h"
 
 #include <unistd.h>
+#include <utility>
 
 #include "platform/env/HUTEnv.h"
-#include "platform/msg/ComMsgMgr.h"
 #include "platform/taskcore/task_manager.h"
-#include "platform/tcl/HTCTclEncoding.h"
+#include "platform/tcl/tclcmdobj.h"
 #include "platform/tcl/tclobj_ref.h"
+#include "tcltasks/builtin/editline/evaluate.h"
+#include "tcltasks/builtin/editline/libedit.h"
 #include "tcltasks/driver/detail/driver.h"
+#include "tcltasks/driver/detail/product_scripts.h"
 
 using vek::tcltasks::task_manager;
+using vek::tcltasks::tclcmdobj;
 using vek::tcltasks::tclobj_ref;
 
 namespace {
 
 Shell* running = nullptr; // the one whose line an interrupt breaks off
-
-std::string resultText(Tcl_Interp* interp) {
-    return HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp));
-}
 
 void write(const std::string& text) {
     if (Tcl_Channel out = Tcl_GetStdChannel(TCL_STDOUT)) {
@@ -32,11 +32,6 @@ void write(const std::string& text) {
 Shell::Shell(Tcl_Interp* interp) : m_interp(interp), m_terminal(::isatty(STDIN_FILENO) == 1) {
     Tcl_SetVar2(interp, "tcl_interactive", nullptr, m_terminal ? "1" : "0", TCL_GLOBAL_ONLY);
     running = this;
-    task_manager::setIdleInterruptHandler([] {
-        if (running) {
-            running->freshLine();
-        }
-    });
 }
 
 Shell::~Shell() {
@@ -45,7 +40,10 @@ Shell::~Shell() {
 }
 
 void Shell::run() {
-    prompt();
+    startEditor();
+    if (!runEditor()) {
+        prompt();
+    }
     for (;;) {
         switch (readLine()) {
         case Input::none:
@@ -61,9 +59,42 @@ void Shell::run() {
                 evaluate();
                 Tcl_DoOneEvent(TCL_ALL_EVENTS | TCL_DONT_WAIT); // input without pause keeps no event waiting
             }
-            prompt();
+            if (!m_command.empty() || !runEditor()) {
+                prompt();
+            }
         }
     }
+}
+
+// The shell's own prompts are scripts of the user's, as in tclsh; the editor keeps them and gives them back.
+void Shell::startEditor() {
+    if (!m_terminal) {
+        return;
+    }
+    const std::pair<const char*, std::string> prompts[] = {{"tcl_prompt1", HUTEnv::getProductName() + "% "},
+                                                           {"tcl_prompt2", "> "}};
+    for (const auto& [variable, text] : prompts) {
+        if (!Tcl_GetVar2Ex(m_interp, variable, nullptr, TCL_GLOBAL_ONLY)) {
+            const tclcmdobj script = std::move(tclcmdobj(m_interp, "puts").append("-nonewline").append(text));
+            Tcl_SetVar2Ex(m_interp, variable, nullptr, script.obj(), TCL_GLOBAL_ONLY);
+        }
+    }
+    if (::isatty(STDOUT_FILENO) == 1 && tclcmdobj(m_interp, "omu::start_editline")
+                                                .append(driver::detail::getLowerProductName())
+                                                .eval(TCL_EVAL_GLOBAL) != TCL_OK) {
+        driver::detail::writeTclErrorMessage(m_interp);
+    }
+}
+
+// Runs the editor if a command has started it. It leaves the shell's own prompt on the screen.
+bool Shell::runEditor() {
+    const bool ran = HTCLibEdit::detail::runMainLoop();
+    task_manager::setIdleInterruptHandler([] {
+        if (running) {
+            running->freshLine();
+        }
+    });
+    return ran;
 }
 
 // A command may run the event loop itself; the input must not wake it up then.
@@ -124,21 +155,8 @@ Shell::Input Shell::readLine() {
 void Shell::evaluate() {
     const tclobj_ref command(Tcl_NewStringObj(m_command.data(), static_cast<int>(m_command.size()) - 1));
     m_command.clear();
-    const std::string text = HTCTclEncoding::tclGetString(command.get());
-    const task_manager::top_level scope(text);
-    // The history takes the command to the journal.
-    const int code = Tcl_RecordAndEvalObj(m_interp, command.get(), TCL_EVAL_GLOBAL);
-    if (code != TCL_OK) {
-        driver::detail::writeTclErrorMessage(m_interp);
-    } else if (m_terminal) {
-        showResult();
-    }
-}
-
-void Shell::showResult() {
-    if (const std::string text = resultText(m_interp); !text.empty()) {
-        ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_LINE, text + "\n");
-    }
+    const int code = HTCLibEdit::detail::evaluate(m_interp, command.get());
+    HTCLibEdit::detail::show(m_interp, code, m_terminal);
 }
 
 // Tcl's variables tcl_prompt1 and tcl_prompt2 hold scripts that write prompts of the user's own.

@@ -4,10 +4,10 @@
 #include <tcl.h>
 
 /// The session's command prompt: reads commands from standard input until it ends and evaluates them at
-/// global level. On a terminal it shows a prompt and each result; from a pipe or a file it only runs the
-/// commands, as tclsh does. A command that fails is shown and the shell goes on. Between commands Tcl's event
-/// loop runs, so that timers and evaluations from other threads are served. Interpreter's thread only; one
-/// for the process.
+/// global level. On a terminal the line editor does that; when a command has stopped it, the shell's own
+/// prompt goes on, which shows each result as well. From a pipe or a file the commands only run, as in tclsh.
+/// A command that fails is shown and the shell goes on. Between commands Tcl's event loop runs, so that
+/// timers and evaluations from other threads are served. Interpreter's thread only; one for the process.
 class Shell {
 public:
     explicit Shell(Tcl_Interp* interp);
@@ -21,11 +21,12 @@ public:
 private:
     enum class Input { line, none, end };
 
+    void startEditor();
+    bool runEditor();
     void watchInput(bool on);
     void waitForInput();
     Input readLine();
     void evaluate();
-    void showResult();
     void prompt();
     void freshLine();
 

@@ -24,6 +24,7 @@
 #include "platform/taskcore/option_messages.h"
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/HTCTclInterp.h"
+#include "platform/tcl/HTCTclWakeUp.h"
 #include "platform/tcl/tclobj_ref.h"
 
 // Tcl's own, exported for extensions; forgets a cancellation unless the interpreter is evaluating.
@@ -477,6 +478,7 @@ void watch_for_interrupts() {
         while (sem_wait(&state.signalled) != 0 && errno == EINTR) {
         }
         Tcl_AsyncMark(state.async);
+        HTCTclWakeUp::notify();
     }
 }
 
@@ -621,6 +623,7 @@ void evaluate_there(Tcl_ThreadId owner, const std::shared_ptr<evaluation>& reque
         event->request = new std::shared_ptr<evaluation>(request);
         Tcl_ThreadQueueEvent(owner, &event->header, TCL_QUEUE_TAIL);
         Tcl_ThreadAlert(owner);
+        HTCTclWakeUp::notify();
     }
     std::unique_lock lock(request->mutex);
     request->finished.wait(lock, [&] { return request->done; });

@@ -9,6 +9,7 @@
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/builtin/HTCBuiltinInit.h"
+#include "tcltasks/builtin/editline/HTCLibEdit.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/builtin/list_cmds/list_cmds.h"
 #include "tcltasks/command/HTCCommandInit.h"
@@ -41,6 +42,7 @@ const unit units[] = {
     {HTCBuiltinInit::HTCLsearch::init, HTCBuiltinInit::HTCLsearch::uninit},
     {HTCCommandInit::command_cmds::init, HTCCommandInit::command_cmds::uninit},
     {HTCDriverInit::HTCDriver::init, HTCDriverInit::HTCDriver::uninit},
+    {HTCLibEditInit::HTCLibEdit::init, HTCLibEditInit::HTCLibEdit::uninit},
     {HTCParamInit::param_cmds::init, HTCParamInit::param_cmds::uninit},
     {HTCParamInit::HTCResetParam::init, HTCParamInit::HTCResetParam::uninit},
     {HTCPropertyInit::get_cmds::init, HTCPropertyInit::get_cmds::uninit},

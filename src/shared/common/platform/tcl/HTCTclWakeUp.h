@@ -1,0 +1,14 @@
+#pragma once
+
+/// Wakes the interpreter's thread while it waits outside of Tcl's event loop, where Tcl's own alert does not
+/// reach it: the line editor waits for keys there. Whoever hands work to that thread calls notify() after he
+/// has queued it.
+class HTCTclWakeUp {
+public:
+    /// The descriptor that is readable from notify() until clear(). Made by the first call; -1 if the system
+    /// has none to give.
+    static int descriptor();
+    /// Any thread, and signal handlers. Does nothing before the first descriptor().
+    static void notify() noexcept;
+    static void clear();
+};

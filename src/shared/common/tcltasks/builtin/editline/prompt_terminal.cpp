@@ -1,0 +1,357 @@
+#include "tcltasks/builtin/editline/prompt_terminal.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <cwctype>
+#include <poll.h>
+#include <string_view>
+#include <tcl.h>
+#include <termios.h>
+#include <unistd.h>
+#include <utility>
+
+#include "platform/taskcore/task_manager.h"
+#include "platform/tcl/HTCTclWakeUp.h"
+#include "tcltasks/builtin/editline/libedit_functions.h"
+
+namespace HTCLibEdit::detail {
+
+namespace {
+
+constexpr std::string_view pasteEnd = "\033[201~";
+// A terminal in this mode never has nothing to read unless it is gone; one that was left in another mode may
+// say so once or twice.
+constexpr int mostEmptyReads = 10;
+
+prompt_terminal* current = nullptr;
+volatile std::sig_atomic_t resized = 0;
+volatile std::sig_atomic_t continued = 0;
+
+// Appends characters to `text` from bytes in the encoding of the terminal; what is no character is left out.
+class decoder {
+public:
+    // 1 with a character, 0 when more bytes are needed.
+    int take(char byte, wchar_t* key) {
+        const bool first = std::mbsinit(&m_state) != 0;
+        switch (std::mbrtowc(key, &byte, 1, &m_state)) {
+        case static_cast<size_t>(-1):
+            m_state = {};
+            return first ? 0 : take(byte, key); // it may begin the next one
+        case static_cast<size_t>(-2):
+            return 0;
+        default:
+            return 1;
+        }
+    }
+
+private:
+    std::mbstate_t m_state{};
+};
+
+void flush(int channel) {
+    if (Tcl_Channel out = Tcl_GetStdChannel(channel)) {
+        Tcl_Flush(out);
+    }
+}
+
+} // namespace
+
+prompt_terminal::prompt_terminal(EditLine* el, prompt_function prompt) : m_el(el), m_prompt(prompt) {
+    current = this;
+    HTCTclWakeUp::descriptor();
+    const auto& lib = libedit();
+    lib.el_set(el, EL_GETCFN, readKey);
+    lib.el_set(el, EL_ADDFN, "xtcl-paste", "Insert a pasted block as it is", paste);
+    lib.el_set(el, EL_BIND, "\033[200~", "xtcl-paste", nullptr);
+    m_canMarkPastes = canMoveUp();
+
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART;
+    ::sigemptyset(&action.sa_mask);
+    ::sigaction(SIGWINCH, &action, &m_oldResize);
+    ::sigaction(SIGCONT, &action, &m_oldContinue);
+    vek::tcltasks::task_manager::setIdleInterruptHandler(interrupt);
+}
+
+prompt_terminal::~prompt_terminal() {
+    markPastes(false);
+    vek::tcltasks::task_manager::setIdleInterruptHandler(nullptr);
+    ::sigaction(SIGCONT, &m_oldContinue, nullptr);
+    ::sigaction(SIGWINCH, &m_oldResize, nullptr);
+    current = nullptr;
+}
+
+const char* prompt_terminal::read(int* count) {
+    flush(TCL_STDOUT);
+    flush(TCL_STDERR);
+    resized = 0;
+    continued = 0;
+    el_resize(m_el);
+    markPastes(true);
+    // A command that another thread hands over may end the process.
+    Tcl_CreateExitHandler(restore, this);
+    const char* line = el_gets(m_el, count);
+    Tcl_DeleteExitHandler(restore, this);
+    if (line) {
+        markPastes(false);
+    }
+    if (!line && !m_interrupted) {
+        // libedit does not ask for keys when it cannot set up the terminal.
+        termios mode;
+        m_gone = m_gone || ::tcgetattr(STDIN_FILENO, &mode) != 0 || ++m_emptyReads > mostEmptyReads;
+    }
+    return line;
+}
+
+bool prompt_terminal::takeInterrupt() {
+    return std::exchange(m_interrupted, false);
+}
+
+void prompt_terminal::interrupt() {
+    if (current) {
+        current->m_interrupted = true;
+    }
+}
+
+void prompt_terminal::restore(void* terminal) {
+    auto* self = static_cast<prompt_terminal*>(terminal);
+    libedit().el_set(self->m_el, EL_PREP_TERM, 0);
+    self->markPastes(false);
+}
+
+// While commands run, what is pasted goes to them as it is.
+void prompt_terminal::markPastes(bool on) {
+    if (m_canMarkPastes && std::exchange(m_marksPastes, on) != on) {
+        write(on ? "\033[?2004h" : "\033[?2004l");
+    }
+}
+
+void prompt_terminal::onSignal(int signal) {
+    (signal == SIGCONT ? continued : resized) = 1;
+    HTCTclWakeUp::notify();
+}
+
+int prompt_terminal::readKey(EditLine*, wchar_t* key) {
+    return current->nextKey(key);
+}
+
+int prompt_terminal::nextKey(wchar_t* key) {
+    decoder decode;
+    markPastes(true);
+    while (waitForInput()) {
+        char byte;
+        const int got = readBytes(&byte, 1);
+        if (got <= 0) {
+            return got;
+        }
+        if (decode.take(byte, key) == 1) {
+            if (byte == '\r' || byte == '\n') {
+                markPastes(false); // before the line end that libedit shows
+            }
+            return 1;
+        }
+    }
+    return 0;
+}
+
+// True when there is something to read; false when the line is broken off.
+bool prompt_terminal::waitForInput() {
+    while (!m_interrupted && !m_gone) {
+        pollfd ready[2] = {{STDIN_FILENO, POLLIN, 0}, {HTCTclWakeUp::descriptor(), POLLIN, 0}};
+        if (::poll(ready, 2, -1) < 0) {
+            continue;
+        }
+        if (ready[1].revents != 0) {
+            serve();
+        } else if (ready[0].revents != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// How many bytes there were; 0 when there is no terminal any more.
+int prompt_terminal::readBytes(char* bytes, int count) {
+    for (;;) {
+        const ssize_t got = ::read(STDIN_FILENO, bytes, static_cast<size_t>(count));
+        if (got > 0) {
+            m_emptyReads = 0;
+            return static_cast<int>(got);
+        }
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0 && errno == EAGAIN) {
+            pollfd ready = {STDIN_FILENO, POLLIN, 0};
+            ::poll(&ready, 1, -1);
+            continue;
+        }
+        m_gone = got < 0 || ++m_emptyReads > mostEmptyReads;
+        return 0;
+    }
+}
+
+// Does what other threads want of this one. Timers and files wait for a command that enters the event loop.
+void prompt_terminal::serve() {
+    HTCTclWakeUp::clear();
+    if (Tcl_AsyncReady()) {
+        Tcl_AsyncInvoke(nullptr, TCL_OK);
+        if (m_interrupted) {
+            leaveLine();
+            return;
+        }
+    }
+    if (continued) {
+        continued = 0;
+        libedit().el_set(m_el, EL_PREP_TERM, 0);
+        libedit().el_set(m_el, EL_PREP_TERM, 1);
+    }
+    if (resized) {
+        resized = 0;
+        el_resize(m_el);
+    }
+    eraseLine();
+    while (Tcl_ServiceEvent(TCL_WINDOW_EVENTS)) {
+        if (m_interrupted) {
+            break;
+        }
+    }
+    flush(TCL_STDOUT);
+    flush(TCL_STDERR);
+    libedit().el_set(m_el, EL_REFRESH);
+}
+
+void prompt_terminal::write(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
+
+int prompt_terminal::columns() const {
+    int count = 0;
+    libedit().el_get(m_el, EL_GETTC, "co", &count);
+    return count > 0 ? count : 80;
+}
+
+bool prompt_terminal::canMoveUp() const {
+    char* up = nullptr;
+    return libedit().el_get(m_el, EL_GETTC, "up", &up) == 0 && up && *up;
+}
+
+// Where libedit shows the character at `end`, from the beginning of the prompt on.
+prompt_terminal::place prompt_terminal::placeOf(const wchar_t* end) const {
+    const int width = columns();
+    place at;
+    const auto add = [&](int cells) {
+        if (at.column + cells > width) {
+            ++at.row;
+            at.column = 0;
+        }
+        at.column += cells;
+        if (at.column >= width) {
+            ++at.row;
+            at.column = 0;
+        }
+    };
+    const auto show = [&](wchar_t c) {
+        if (c == L'\n') {
+            ++at.row;
+            at.column = 0;
+        } else if (c == L'\t') {
+            do {
+                add(1);
+            } while (at.column % 8 != 0);
+        } else if (std::iswcntrl(static_cast<wint_t>(c))) {
+            add(1);
+            add(1);
+        } else if (!std::iswprint(static_cast<wint_t>(c))) {
+            for (int i = 0; i < (c > 0xffff ? 8 : 7); ++i) { // shown as its number
+                add(1);
+            }
+        } else {
+            add(std::max(::wcwidth(c), 0));
+        }
+    };
+    decoder decode;
+    for (const char* byte = m_prompt(m_el); *byte != '\0'; ++byte) {
+        wchar_t c;
+        if (decode.take(*byte, &c) == 1) {
+            show(c);
+        }
+    }
+    for (const wchar_t* c = el_wline(m_el)->buffer; c < end; ++c) {
+        show(*c);
+    }
+    return at;
+}
+
+// Takes prompt and line off the screen, so that other output can stand in their place.
+void prompt_terminal::eraseLine() {
+    if (!canMoveUp()) {
+        write("\r\n");
+        return;
+    }
+    int rows = 0;
+    libedit().el_get(m_el, EL_GETTC, "li", &rows);
+    const int up = std::min(placeOf(el_wline(m_el)->cursor).row, std::max(rows, 1) - 1);
+    write((up > 0 ? "\r\033[" + std::to_string(up) + "A" : std::string("\r")) + "\033[J");
+}
+
+// Leaves prompt and line on the screen and goes below them.
+void prompt_terminal::leaveLine() {
+    const LineInfoW* line = el_wline(m_el);
+    const int below = placeOf(line->lastchar).row - placeOf(line->cursor).row;
+    write((below > 0 && canMoveUp() ? "\033[" + std::to_string(below) + "B" : std::string()) + "\r\n");
+}
+
+unsigned char prompt_terminal::paste(EditLine* el, int) {
+    const std::wstring text = current->readPasted();
+    if (current->m_interrupted || current->m_gone) {
+        return CC_EOF;
+    }
+    if (!text.empty()) {
+        el_winsertstr(el, text.c_str());
+    }
+    return CC_REFRESH;
+}
+
+// What the terminal sends up to the end of the pasted block.
+std::wstring prompt_terminal::readPasted() {
+    std::string bytes;
+    while (!bytes.ends_with(pasteEnd)) {
+        // No byte behind the end is taken: it may be meant for the command that is run next.
+        size_t begun = std::min(bytes.size(), pasteEnd.size() - 1);
+        while (!bytes.ends_with(pasteEnd.substr(0, begun))) {
+            --begun;
+        }
+        char piece[pasteEnd.size()];
+        const int got = waitForInput() ? readBytes(piece, static_cast<int>(pasteEnd.size() - begun)) : 0;
+        if (got <= 0) {
+            return {};
+        }
+        bytes.append(piece, static_cast<size_t>(got));
+    }
+    bytes.resize(bytes.size() - pasteEnd.size());
+    std::wstring text;
+    decoder decode;
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        wchar_t c;
+        if (decode.take(bytes[i], &c) != 1 || c == L'\0') {
+            continue;
+        }
+        if (c == L'\r') { // the key for the end of a line
+            if (i + 1 < bytes.size() && bytes[i + 1] == '\n') {
+                continue;
+            }
+            c = L'\n';
+        }
+        text += c;
+    }
+    return text;
+}
+
+} // namespace HTCLibEdit::detail
