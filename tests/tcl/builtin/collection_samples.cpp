@@ -22,6 +22,12 @@ struct gadget {
     std::string name;
 };
 
+// An object that can be deleted while Tcl holds it. Its memory stays, so that it can tell that it is gone.
+struct mortal {
+    std::string name;
+    bool alive = true;
+};
+
 // The objects of a type, made when their name is first asked for.
 template <class T>
 T* object_named(const std::string& name) {
@@ -44,6 +50,16 @@ struct vek::tcltasks::native_object<samples::gadget*> {
     static std::string name(const samples::gadget* g) { return g->name; }
     static samples::gadget* find(const std::string& name) {
         return samples::object_named<samples::gadget>(name);
+    }
+};
+
+template <>
+struct vek::tcltasks::native_object<samples::mortal*> {
+    static std::string name(const samples::mortal* m) {
+        if (m->name == "unspeakable") {
+            throw HTCErrors::command_failed("the name cannot be told");
+        }
+        return m->alive ? m->name : m->name + " (gone)";
     }
 };
 
@@ -135,6 +151,23 @@ int is_collection(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const* objv) {
     return TCL_OK;
 }
 
+// samples::mortals ?name ...?: a collection of objects that samples::kill can delete
+// samples::kill name: deletes the object
+int kill(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const* objv) {
+    return tcl_guard(interp, [&] {
+        mortal* const dying = object_named<mortal>(HTCTclEncoding::tclGetString(objv[1]));
+        native_cache<mortal*>::forget(dying);
+        dying->alive = false;
+        return TCL_OK;
+    });
+}
+
+// samples::is_native value: whether it carries an object
+int is_native(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const* objv) {
+    Tcl_SetObjResult(interp, Tcl_NewBooleanObj(native_cache_base::type_behind(objv[1]) != nullptr));
+    return TCL_OK;
+}
+
 // samples::shrink value: takes the last element out of the collection itself
 int shrink(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const* objv) {
     return tcl_guard(interp, [&] {
@@ -172,6 +205,9 @@ extern "C" int Collection_samples_Init(Tcl_Interp* interp) {
         {"samples::with_null", with_null},
         {"samples::context", context},
         {"samples::is_collection", is_collection},
+        {"samples::mortals", objects<mortal>},
+        {"samples::kill", kill},
+        {"samples::is_native", is_native},
         {"samples::shrink", shrink},
         {"samples::interrupt", interrupt},
         {"samples::parameter", parameter},

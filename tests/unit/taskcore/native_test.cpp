@@ -26,6 +26,23 @@ TEST_F(Native, TwoConversionsOfOnePointerGiveTheSameValue) {
     EXPECT_STREQ(Tcl_GetString(obj), "g0");
 }
 
+TEST_F(Native, ManyConversionsAtOnceGiveTheSameValuesAsSingleOnes) {
+    gate a("a"), b("b"), c("c");
+    Tcl_Obj* const known = native_wrapper<gate*>::convert_to_tcl(&b);
+    gate* const all[] = {&a, &b, nullptr, &c, &a};
+    tclobj_ref values[5];
+    native_wrapper<gate*>::convert_to_tcl(std::span<gate* const>(all), values);
+    EXPECT_EQ(text(values[0].get()), "a");
+    EXPECT_EQ(values[1].get(), known);
+    EXPECT_FALSE(values[2]);
+    EXPECT_EQ(values[0].get(), values[4].get());
+    for (int i : {0, 1, 3}) {
+        EXPECT_EQ(native_wrapper<gate*>::convert_to_tcl(all[i]), values[i].get());
+        EXPECT_EQ(native_wrapper<gate*>::convert_to_native(interp, values[i].get()), all[i]);
+        EXPECT_EQ(values[i]->refCount, i == 0 ? 3 : 2) << "the cache's and ours";
+    }
+}
+
 TEST_F(Native, NullHasNoValue) {
     EXPECT_EQ(native_wrapper<gate*>::convert_to_tcl(nullptr), nullptr);
 }

@@ -1,6 +1,7 @@
 #include "platform/taskcore/collection_wrapper_base.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -8,7 +9,6 @@
 #include "platform/param/HPAParamMgr.h"
 #include "platform/taskcore/tcl_globals.h"
 #include "platform/tcl/HTCTclEncoding.h"
-#include "platform/tcl/tclobj_ref.h"
 
 namespace vek::tcltasks::detail {
 
@@ -49,20 +49,33 @@ collection_wrapper_base::~collection_wrapper_base() {
     }
 }
 
+void collection_wrapper_base::get_elements_as_tclobjs(unsigned long first,
+                                                      std::span<tclobj_ref> values) const {
+    for (tclobj_ref& value : values) {
+        value = get_element_as_tclobj(first++);
+    }
+}
+
 Tcl_Obj* collection_wrapper_base::get_collection_as_tcllist() const {
     if (!m_tcllist) {
         const unsigned long count = size();
-        m_tcllist = Tcl_NewListObj(static_cast<int>(count), nullptr);
-        Tcl_IncrRefCount(m_tcllist);
-        for (unsigned long i = 0; i < count; ++i) {
-            Tcl_Obj* element = get_element_as_tclobj(i);
-            Tcl_ListObjAppendElement(nullptr, m_tcllist, element ? element : Tcl_NewObj());
+        const tclobj_ref list = Tcl_NewListObj(static_cast<int>(count), nullptr);
+        std::array<tclobj_ref, 64> values;
+        for (unsigned long i = 0; i < count; i += values.size()) {
+            const std::span part(values.data(), std::min(values.size(), count - i));
+            get_elements_as_tclobjs(i, part);
+            for (const tclobj_ref& value : part) {
+                Tcl_ListObjAppendElement(nullptr, list.get(), value ? value.get() : Tcl_NewObj());
+            }
         }
+        m_tcllist = list.get();
+        Tcl_IncrRefCount(m_tcllist);
     }
     return m_tcllist;
 }
 
 void collection_wrapper_base::invalidate_tcllist() {
+    ++m_revision;
     if (m_tcllist) {
         Tcl_DecrRefCount(m_tcllist);
         m_tcllist = nullptr;

@@ -3,12 +3,14 @@
 #include <any>
 #include <boost/any.hpp>
 #include <memory>
+#include <span>
 #include <string>
 #include <tcl.h>
 #include <typeinfo>
 
 #include "platform/taskcore/HTCCollectionContextMgr.h"
 #include "platform/taskcore/tcltypeinfo.h"
+#include "platform/tcl/tclobj_ref.h"
 
 namespace vek::tcltasks {
 
@@ -51,6 +53,8 @@ public:
     /// The Tcl type of values that hold this collection, and its type information.
     virtual const Tcl_ObjType* get_tcl_obj_type() const = 0;
     virtual const itcltypeinfo* get_tcl_type_info() const = 0;
+    /// As many elements as there is room for, from the first on, as Tcl values; cheaper than one by one.
+    virtual void get_elements_as_tclobjs(unsigned long first, std::span<tclobj_ref> values) const;
 
     void incr_ref() const { ++m_refs; }
     void decr_ref() const {
@@ -63,6 +67,8 @@ public:
     /// The elements as a plain Tcl list, kept until the collection changes. The body owns it.
     Tcl_Obj* get_collection_as_tcllist() const;
     void invalidate_tcllist();
+    /// Another number after each change of the elements.
+    unsigned long revision() const { return m_revision; }
 
     const std::shared_ptr<HTCICollectionContext>& collection_context() const { return m_context; }
     unsigned long collection_context_id() const { return m_contextId; }
@@ -80,6 +86,7 @@ private:
     friend void FreeInternalRepProc(Tcl_Obj* obj);
 
     mutable int m_refs = 0;
+    unsigned long m_revision = 0;
     mutable Tcl_Obj* m_tcllist = nullptr; // counted
     mutable Tcl_Obj* m_tclobj =
         nullptr; // the value that holds this body, not counted; null when there is none

@@ -1,9 +1,11 @@
 #include "platform/taskcore/native_cache_base.h"
 
+#include <atomic>
 #include <boost/thread/locks.hpp>
 #include <memory>
 #include <mutex>
 #include <typeindex>
+#include <unordered_map>
 
 namespace vek::tcltasks {
 
@@ -19,6 +21,8 @@ store_table& table() {
     static store_table& instance = *new store_table;
     return instance;
 }
+
+std::atomic<unsigned long> removalCount{0};
 
 } // namespace
 
@@ -47,6 +51,14 @@ const detail::itcltypeinfo* native_cache_base::type_behind(Tcl_Obj* obj) {
         }
     }
     return nullptr;
+}
+
+unsigned long native_cache_base::removals() {
+    return removalCount.load(std::memory_order_acquire);
+}
+
+void native_cache_base::count_removal() {
+    removalCount.fetch_add(1, std::memory_order_acq_rel);
 }
 
 } // namespace vek::tcltasks

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <boost/thread/shared_mutex.hpp>
-#include <cstdint>
 #include <tcl.h>
 #include <typeinfo>
-#include <unordered_map>
 
+#include "platform/taskcore/pointer_table.h"
 #include "platform/taskcore/tcltypeinfo.h"
 
 namespace vek::tcltasks {
@@ -14,16 +13,8 @@ namespace vek::tcltasks {
 /// Held by the platform, so that all libraries of the process share one pair of maps for each native type.
 class native_cache_base {
 public:
-    /// The hash of both maps: addresses are aligned, so the low bits carry nothing.
-    struct pointer_hash {
-        size_t operator()(const void* p) const {
-            const auto address = reinterpret_cast<uintptr_t>(p);
-            return (address >> 3) + address;
-        }
-    };
-
-    using t2n_map = std::unordered_map<Tcl_Obj*, void*, pointer_hash>;
-    using n2t_map = std::unordered_multimap<void*, Tcl_Obj*, pointer_hash>;
+    using t2n_map = pointer_table<Tcl_Obj*, void*>; ///< each value once
+    using n2t_map = pointer_table<void*, Tcl_Obj*>;
 
     struct store {
         const detail::itcltypeinfo* info; // of the native type
@@ -46,6 +37,13 @@ public:
     /// The cache's own hold on a value; it lets go when the native object leaves.
     static void incr_refcount(Tcl_Obj* obj) { Tcl_IncrRefCount(obj); }
     static void decr_refcount(Tcl_Obj* obj) { Tcl_DecrRefCount(obj); }
+
+    /// How many values have left all caches so far: while it stands still, a value that was an object's is it
+    /// yet. Any thread.
+    static unsigned long removals();
+
+protected:
+    static void count_removal();
 };
 
 } // namespace vek::tcltasks

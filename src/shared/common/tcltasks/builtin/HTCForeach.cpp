@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/taskcore/collection_wrapper_base.h"
+#include "platform/taskcore/native_cache_base.h"
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/builtin/HTCBuiltinCmds.h"
@@ -14,6 +15,47 @@
 using namespace vek::tcltasks;
 
 namespace {
+
+// The elements of a collection in their order, made into values some at a time, which is much faster than one
+// by one. None is given out that the collection or the object behind it has meanwhile left.
+class ElementsInTurn {
+public:
+    // Null for an element without a form in Tcl.
+    tclobj_ref take(const detail::collection_wrapper_base& collection, size_t idx) {
+        if (idx != m_next || m_next - m_first >= m_values.size() || m_revision != collection.revision() ||
+            m_removals != native_cache_base::removals()) {
+            fill(collection, idx, std::min(most, collection.size() - idx));
+        }
+        return std::move(m_values[m_next++ - m_first]);
+    }
+
+private:
+    static constexpr size_t most = 64;
+
+    void fill(const detail::collection_wrapper_base& collection, size_t idx, size_t count) {
+        m_values.clear();
+        m_values.resize(count);
+        m_first = m_next = idx;
+        m_revision = collection.revision();
+        m_removals = native_cache_base::removals();
+        try {
+            collection.get_elements_as_tclobjs(idx, m_values);
+        } catch (...) {
+            if (count == 1) {
+                m_values.clear();
+                throw;
+            }
+            // A later element is at fault: its turn has not come.
+            fill(collection, idx, 1);
+        }
+    }
+
+    std::vector<tclobj_ref> m_values;
+    size_t m_first = 0; // index of the first value
+    size_t m_next = 0;
+    unsigned long m_revision = 0;
+    unsigned long m_removals = 0;
+};
 
 // A variable list or value list as it was when the loop began. The body may change or convert the value that
 // it came from; of a collection, which is not copied, it may also change the elements.
@@ -52,15 +94,16 @@ public:
 
     size_t size() const { return m_cwb ? m_cwb->size() : m_objs.size(); }
 
-    // The element may have no reference yet; null for an element without a form in Tcl.
-    Tcl_Obj* operator[](size_t idx) const {
+    // Null for an element without a form in Tcl.
+    tclobj_ref operator[](size_t idx) {
         assert(idx < m_objs.size() || (m_cwb && idx < m_cwb->size()));
-        return m_cwb ? m_cwb->get_element_as_tclobj(idx) : m_objs[idx];
+        return m_cwb ? m_elements.take(*m_cwb, idx) : tclobj_ref(m_objs[idx]);
     }
 
 private:
     std::span<Tcl_Obj* const> m_objs;                 // of m_held
     detail::collection_wrapper_base* m_cwb = nullptr; // counted
+    ElementsInTurn m_elements;                        // of m_cwb
     tclobj_ref m_held;
 };
 
@@ -100,21 +143,22 @@ int open(Tcl_Interp* interp, loop& l, Tcl_Obj* const* objv) {
 }
 
 // Past the end of a list, which for a collection is where it ends by now, variables get empty values.
-Tcl_Obj* next_value(variables_and_values& pair) {
+tclobj_ref next_value(variables_and_values& pair) {
     const size_t index = pair.next++;
-    Tcl_Obj* value = index < pair.values.size() ? pair.values[index] : nullptr;
-    return value ? value : Tcl_NewObj();
+    tclobj_ref value = index < pair.values.size() ? pair.values[index] : tclobj_ref();
+    return value ? value : tclobj_ref(Tcl_NewObj());
 }
 
 int assign(Tcl_Interp* interp, loop& l) {
     for (variables_and_values& pair : l.pairs) {
         for (size_t v = 0; v < pair.variableCount; ++v) {
-            const tclobj_ref variable(v < pair.variables.size() ? pair.variables[v] : nullptr);
+            const tclobj_ref variable = v < pair.variables.size() ? pair.variables[v] : tclobj_ref();
             if (!variable) {
                 ++pair.next;
                 continue;
             }
-            if (!Tcl_ObjSetVar2(interp, variable.get(), nullptr, next_value(pair), TCL_LEAVE_ERR_MSG)) {
+            const tclobj_ref value = next_value(pair);
+            if (!Tcl_ObjSetVar2(interp, variable.get(), nullptr, value.get(), TCL_LEAVE_ERR_MSG)) {
                 Tcl_AppendObjToErrorInfo(interp, Tcl_ObjPrintf("\n    (setting foreach loop variable \"%s\")",
                                                                Tcl_GetString(variable.get())));
                 return TCL_ERROR;

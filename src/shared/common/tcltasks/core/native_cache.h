@@ -1,8 +1,10 @@
 #pragma once
 
 #include <boost/thread/locks.hpp>
+#include <span>
 
 #include "platform/taskcore/native_cache_base.h"
+#include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/core/tclany.h"
 
 namespace vek::tcltasks {
@@ -18,17 +20,19 @@ public:
     static boost::shared_mutex& get_t2n_mutex() { return instance().t2nMutex; }
     static boost::shared_mutex& get_n2t_mutex() { return instance().n2tMutex; }
 
-    /// The live value that stands for an object, or null.
-    static Tcl_Obj* find_value(T native) {
+    /// Fills in the live values that stand for objects. False if one of these has none; null has none and
+    /// needs none.
+    static bool find_values(std::span<const T> natives, tclobj_ref* values) {
         boost::shared_lock lock(get_n2t_mutex());
-        // Not equal_range: to find its end, it reads an entry that is seldom needed and never near.
-        const n2t_map& values = get_n2t_cache();
-        for (auto at = values.find(key(native)); at != values.end() && at->first == key(native); ++at) {
-            if (is_alive(at->second)) {
-                return at->second;
-            }
+        for (T native : natives) {
+            get_n2t_cache().prefetch(key(native));
         }
-        return nullptr;
+        bool all = true;
+        for (size_t i = 0; i < natives.size(); ++i) {
+            values[i] = live_value(natives[i]);
+            all = all && (values[i] || !natives[i]);
+        }
+        return all;
     }
 
     /// The object that a value stands for, or null.
@@ -38,21 +42,30 @@ public:
         return at == get_t2n_cache().end() ? nullptr : static_cast<T>(at->second);
     }
 
-    /// Ties a value to an object and takes the cache's hold on it.
-    static void insert(T native, Tcl_Obj* obj) {
+    /// Ties values to their objects and takes the cache's hold on them. An object that has a live value by
+    /// now keeps it, and it takes the place of the given one.
+    static void insert(std::span<const T> natives, tclobj_ref* values) {
         {
             boost::unique_lock lock(get_n2t_mutex());
-            get_n2t_cache().emplace(key(native), obj);
+            for (size_t i = 0; i < natives.size(); ++i) {
+                if (Tcl_Obj* known = live_value(natives[i])) {
+                    values[i] = known;
+                } else if (natives[i]) {
+                    get_n2t_cache().insert(key(natives[i]), values[i].get());
+                }
+            }
         }
-        {
-            boost::unique_lock lock(get_t2n_mutex());
-            get_t2n_cache().emplace(obj, key(native));
+        boost::unique_lock lock(get_t2n_mutex());
+        for (size_t i = 0; i < natives.size(); ++i) {
+            if (natives[i] && get_t2n_cache().emplace(values[i].get(), key(natives[i]))) {
+                incr_refcount(values[i].get());
+            }
         }
-        incr_refcount(obj);
     }
 
     /// Takes a value out that Tcl has freed.
     static void remove(Tcl_Obj* obj) {
+        count_removal();
         void* native = nullptr;
         {
             boost::upgrade_lock lock(get_t2n_mutex());
@@ -65,13 +78,11 @@ public:
             get_t2n_cache().erase(at);
         }
         boost::upgrade_lock lock(get_n2t_mutex());
-        const auto [first, last] = get_n2t_cache().equal_range(native);
-        for (auto at = first; at != last; ++at) {
-            if (at->second == obj) {
-                boost::upgrade_to_unique_lock unique(lock);
-                get_n2t_cache().erase(at);
-                return;
-            }
+        const auto at =
+            get_n2t_cache().find_if(native, [&](const Tcl_Obj* standing) { return standing == obj; });
+        if (at != get_n2t_cache().end()) {
+            boost::upgrade_to_unique_lock unique(lock);
+            get_n2t_cache().erase(at);
         }
     }
 
@@ -90,6 +101,11 @@ private:
     static store& instance() {
         static store& shared = store_of(*detail::tcltypeinfo<T>::instance());
         return shared;
+    }
+
+    static Tcl_Obj* live_value(T native) {
+        const auto at = get_n2t_cache().find_if(key(native), is_alive);
+        return at == get_n2t_cache().end() ? nullptr : at->second;
     }
 
     static Tcl_Obj* any_value(T native) {

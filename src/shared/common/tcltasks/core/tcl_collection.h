@@ -7,7 +7,6 @@
 
 #include "platform/env/HSTVector.h"
 #include "platform/taskcore/collection_wrapper_base.h"
-#include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/core/native_wrapper.h"
 
 namespace vek::tcltasks {
@@ -138,6 +137,17 @@ public:
     std::string get_element_as_string(unsigned long index) const override { return text_of(at(index)); }
     Tcl_Obj* get_element_as_tclobj(unsigned long index) const override {
         return native_wrapper<element>::convert_to_tcl(at(index));
+    }
+    void get_elements_as_tclobjs(unsigned long first, std::span<tclobj_ref> values) const override {
+        if constexpr (native_pointer<element>) {
+            if (!values.empty()) {
+                require(first + values.size() - 1);
+                native_wrapper<element>::convert_to_tcl({m_elements.data() + first, values.size()},
+                                                        values.data());
+            }
+        } else {
+            collection_wrapper_base::get_elements_as_tclobjs(first, values);
+        }
     }
 
     /// Appends the elements of a collection of the same type.
