@@ -26,8 +26,6 @@ ComMsgMgrInstance message_of(Fault fault, const std::string& text) {
         return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-8@%s\n", text};
     case Fault::bad_property:
         return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-9@%s\n", text};
-    case Fault::bad_pattern:
-        return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-10@%s\n", text};
     case Fault::bad_filter:
         return {"design", ComMsgMgr::MSGTYPE_ERROR, "@40-11@%s\n", text};
     case Fault::unwritable_file:

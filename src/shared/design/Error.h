@@ -18,7 +18,6 @@ enum class Fault : uint8_t {
     bad_property_value,
     read_only_property,
     bad_property,
-    bad_pattern,
     bad_filter,
     unwritable_file,
     no_such_object,

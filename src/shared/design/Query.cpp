@@ -1,11 +1,14 @@
 #include "design/Query.h"
 
 #include "design/Error.h"
+#include "platform/tcl/HTCTclPatternMatch.h"
 
 #include <algorithm>
 #include <set>
 
 namespace design {
+
+using Pattern = HTCTclPatternMatch;
 
 namespace {
 
@@ -123,14 +126,19 @@ std::string_view last_part(std::string_view local) {
     return local;
 }
 
+// Brackets stand for themselves, as bits of buses are named with them.
+Pattern glob(std::string text, bool nocase) {
+    return Pattern(std::move(text), false, nocase, Pattern::Brackets::itself);
+}
+
 Pattern make_pattern(const std::string& text, const Query& query) {
-    return query.regexp ? Pattern::regexp(text, query.nocase) : Pattern::glob(text, query.nocase);
+    return query.regexp ? Pattern(text, true, query.nocase) : glob(text, query.nocase);
 }
 
 template <class T>
 void match_on_all_levels(const Design& design, const Pattern& pattern, Gatherer<T>& found) {
-    const bool by_path = pattern.text().find('/') != std::string::npos;
-    if (pattern.text() == "*") {
+    const bool by_path = pattern.pattern().find('/') != std::string::npos;
+    if (pattern.pattern() == "*") {
         found.add_all();
         return;
     }
@@ -145,7 +153,7 @@ void match_on_all_levels(const Design& design, const Pattern& pattern, Gatherer<
         }
         for_each_accepted<T>(
             design, s, path,
-            [&](std::string_view name) { return pattern.matches(by_path ? name : last_part<T>(name)); },
+            [&](std::string_view name) { return pattern.match(by_path ? name : last_part<T>(name)); },
             [&](T* object) { found.add(object); });
     }
 }
@@ -154,24 +162,23 @@ void match_on_all_levels(const Design& design, const Pattern& pattern, Gatherer<
 // followed; what is left of the pattern and the scope it is left for are visited once.
 template <class T>
 void match_by_level(const Design& design, const Pattern& pattern, Gatherer<T>& found) {
-    const std::string& text = pattern.text();
+    const std::string& text = pattern.pattern();
     std::set<std::pair<uint32_t, size_t>> visited;
     std::vector<std::pair<uint32_t, size_t>> open{{0, 0}};
     for (size_t next = 0; next < open.size(); ++next) {
         const auto [scope, begin] = open[next];
         if (!visited.emplace(scope, begin).second)
             continue;
-        const Pattern rest = Pattern::glob(std::string_view(text).substr(begin), pattern.is_nocase());
+        const Pattern rest = glob(text.substr(begin), pattern.isNoCase());
         if (rest.literal())
             design.find_in_scope<T>(scope, *rest.literal(), [&](T* object) { found.add(object); });
         else
             for_each_accepted<T>(
-                design, scope, "", [&](std::string_view name) { return rest.matches(name); },
+                design, scope, "", [&](std::string_view name) { return rest.match(name); },
                 [&](T* object) { found.add(object); });
         for (size_t slash = text.find('/', begin); slash != std::string::npos;
              slash = text.find('/', slash + 1)) {
-            const Pattern part =
-                Pattern::glob(std::string_view(text).substr(begin, slash - begin), pattern.is_nocase());
+            const Pattern part = glob(text.substr(begin, slash - begin), pattern.isNoCase());
             const auto enter = [&](const Cell* cell) {
                 if (cell->scope() != none)
                     open.emplace_back(cell->scope(), slash + 1);
@@ -180,7 +187,7 @@ void match_by_level(const Design& design, const Pattern& pattern, Gatherer<T>& f
                 design.find_in_scope<Cell>(scope, *part.literal(), enter);
             else
                 for_each_accepted<Cell>(
-                    design, scope, "", [&](std::string_view name) { return part.matches(name); }, enter);
+                    design, scope, "", [&](std::string_view name) { return part.match(name); }, enter);
         }
     }
 }
@@ -188,14 +195,14 @@ void match_by_level(const Design& design, const Pattern& pattern, Gatherer<T>& f
 // A regular expression without `hierarchical`: the top level, or all levels if it speaks of paths.
 template <class T>
 void match_regexp(const Design& design, const Pattern& pattern, Gatherer<T>& found) {
-    const bool by_path = pattern.text().find('/') != std::string::npos;
+    const bool by_path = pattern.pattern().find('/') != std::string::npos;
     const auto scopes = static_cast<uint32_t>(by_path ? design.scopes().size() : 1);
     std::string path;
     for (uint32_t s = 0; s < scopes; ++s) {
         path.clear();
         design.append_path(path, s);
         for_each_accepted<T>(
-            design, s, path, [&](std::string_view name) { return pattern.matches(name); },
+            design, s, path, [&](std::string_view name) { return pattern.match(name); },
             [&](T* object) { found.add(object); });
     }
 }
@@ -336,8 +343,8 @@ std::vector<T*> related_objects(std::span<const ObjectRef> objects, const Query&
             bool wanted = false;
             for (size_t p = 0; p < patterns.size(); ++p) {
                 const std::string& text = query.patterns[p];
-                if (patterns[p].matches(name) || (!query.regexp && name == text) ||
-                    (text.find('/') == std::string::npos && patterns[p].matches(last))) {
+                if (patterns[p].match(name) || (!query.regexp && name == text) ||
+                    (text.find('/') == std::string::npos && patterns[p].match(last))) {
                     used[p] = true;
                     wanted = true;
                 }
@@ -389,7 +396,7 @@ std::vector<Design*> find_designs(const std::vector<Design*>& designs, const Que
     for (Design* design : designs) {
         bool wanted = patterns.empty();
         for (size_t p = 0; p < patterns.size(); ++p)
-            if (patterns[p].matches(design->name()) || (!query.regexp && design->name() == query.patterns[p]))
+            if (patterns[p].match(design->name()) || (!query.regexp && design->name() == query.patterns[p]))
                 wanted = used[p] = true;
         if (wanted)
             result.push_back(design);

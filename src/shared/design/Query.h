@@ -27,7 +27,8 @@ struct Query {
 
 /// The objects of class T that the query asks for, each once, in the order of the patterns and below that of
 /// the netlist. Patterns without a match are appended to `unmatched` if given.
-/// Throws Error(bad_pattern), Error(bad_filter), Error(no_such_property).
+/// Throws Error(bad_filter), Error(no_such_property), and HEXError as HTCTclPatternMatch and
+/// HCPFilterExpression.
 template <class T>
 std::vector<T*> find_objects(const Design& design, const Query& query,
                              std::vector<std::string>* unmatched = nullptr);

@@ -17,7 +17,7 @@ constexpr std::string_view three_cells = R"({"modules":{"m":{"cells":{
     }}}})";
 
 std::string accepted(const Design& d, std::string_view expression, Filter::Options options = {}) {
-    Filter filter(expression, options);
+    Filter filter(std::string(expression), options);
     std::string result;
     for (uint32_t i = 0; i < d.count<Cell>(); ++i)
         if (filter.matches(d.object<Cell>(i)))
@@ -27,6 +27,17 @@ std::string accepted(const Design& d, std::string_view expression, Filter::Optio
 
 std::string refusal(const Design& d, std::string_view expression) {
     return error_of([&] { accepted(d, expression); });
+}
+
+// The words for a malformed expression, without its severity and id.
+std::string fault(std::string_view expression) {
+    try {
+        Filter filter{std::string(expression)};
+    } catch (const HEXError& refused) {
+        const std::string text = refused.what();
+        return text.substr(text.find("] ") + 2);
+    }
+    return "accepted";
 }
 
 } // namespace
@@ -135,27 +146,24 @@ TEST(Filter, ComparesEnumsByTheirNames) {
 }
 
 TEST(Filter, TellsThePositionAndWhatWasExpected) {
-    const auto d = make_design(three_cells);
-    EXPECT_EQ(refusal(*d, "name == "),
+    EXPECT_EQ(fault("name == "),
               "The filter expression 'name == ' is wrong at character 9: a value was expected, not the end.");
-    EXPECT_EQ(refusal(*d, ""),
+    EXPECT_EQ(fault(""),
               "The filter expression '' is wrong at character 1: a property name was expected, not "
               "the end.");
-    EXPECT_NE(
-        refusal(*d, "name = a").find("at character 6: one of ==, !=, =~, !~, <, <=, >, >= was expected"),
-        std::string::npos);
-    EXPECT_NE(refusal(*d, "name == a b").find("at character 11: '&&', '||' or the end was expected, not 'b'"),
+    EXPECT_NE(fault("name = a").find("at character 6: one of ==, !=, =~, !~, <, <=, >, >= was expected"),
               std::string::npos);
-    EXPECT_NE(refusal(*d, "(name == a").find("a ')' for the '(' at character 1 was expected, not the end"),
+    EXPECT_NE(fault("name == a b").find("at character 11: '&&', '||' or the end was expected, not 'b'"),
               std::string::npos);
-    EXPECT_NE(refusal(*d, "name == a)").find("at character 10: '&&', '||' or the end was expected, not ')'"),
+    EXPECT_NE(fault("(name == a").find("a ')' for the '(' at character 1 was expected, not the end"),
               std::string::npos);
-    EXPECT_NE(refusal(*d, "name == a &&").find("at character 13: a property name"), std::string::npos);
-    EXPECT_NE(refusal(*d, "()").find("at character 2: a property name was expected, not ')'"),
+    EXPECT_NE(fault("name == a)").find("at character 10: '&&', '||' or the end was expected, not ')'"),
               std::string::npos);
-    EXPECT_NE(refusal(*d, "name == \"a").find("a closing \" for the one at character 9"), std::string::npos);
-    EXPECT_NE(refusal(*d, "name == {a").find("a closing } for the one at character 9"), std::string::npos);
-    EXPECT_NE(refusal(*d, "name & is_leaf").find("'&&', '||' or the end"), std::string::npos);
+    EXPECT_NE(fault("name == a &&").find("at character 13: a property name"), std::string::npos);
+    EXPECT_NE(fault("()").find("at character 2: a property name was expected, not ')'"), std::string::npos);
+    EXPECT_NE(fault("name == \"a").find("a closing \" for the one at character 9"), std::string::npos);
+    EXPECT_NE(fault("name == {a").find("a closing } for the one at character 9"), std::string::npos);
+    EXPECT_NE(fault("name & is_leaf").find("'&&', '||' or the end"), std::string::npos);
 }
 
 TEST(Filter, RefusesANumberThatIsNone) {
@@ -177,7 +185,7 @@ TEST(Filter, NestingOfAnyDepthIsSafe) {
     const auto d = make_design(three_cells);
     const std::string open(100000, '('), close(100000, ')');
     EXPECT_EQ(accepted(*d, open + "name == a" + close), "a");
-    EXPECT_NE(refusal(*d, open + "name == a").find("a ')' for the '('"), std::string::npos);
+    EXPECT_NE(fault(open + "name == a").find("a ')' for the '('"), std::string::npos);
     EXPECT_EQ(accepted(*d, std::string(100001, '!') + "(name == a)"), "bc");
     std::string chain = "name == a";
     for (int i = 0; i < 20000; ++i)

@@ -58,6 +58,25 @@ TEST(HTCTclPatternMatch, BracketsMayStandForThemselves) {
     EXPECT_TRUE(HTCTclPatternMatch("a[3]").hasWildcards());
 }
 
+TEST(HTCTclPatternMatch, ALiteralIsKnownWhereThereAreNoWildcards) {
+    const auto literal = [](const char* pattern, bool nocase = false) {
+        return HTCTclPatternMatch(pattern, false, nocase, HTCTclPatternMatch::Brackets::itself).literal();
+    };
+    EXPECT_EQ(literal("data[3]"), "data[3]");
+    EXPECT_EQ(literal("data\\[3\\]"), "data[3]");
+    EXPECT_EQ(literal("a\\*"), "a*");
+    EXPECT_FALSE(literal("a*"));
+    EXPECT_FALSE(literal("abc", true));
+    EXPECT_FALSE(HTCTclPatternMatch("data[3]").literal());
+    EXPECT_FALSE(HTCTclPatternMatch("abc", true).literal());
+}
+
+TEST(HTCTclPatternMatch, TakesLinearTimeForAnyPattern) {
+    const std::string text(20000, 'a');
+    EXPECT_FALSE(glob("*a*a*a*a*a*a*b", text));
+    EXPECT_FALSE(HTCTclPatternMatch("(a*)*(a|aa)*(a|a)*b", true).match(text));
+}
+
 TEST(HTCTclPatternMatch, CaseCanBeIgnored) {
     EXPECT_TRUE(HTCTclPatternMatch("AB*", false, true).match("abc"));
     EXPECT_TRUE(HTCTclPatternMatch("AB*").matchNoCase("abc"));

@@ -1,6 +1,6 @@
 #include "platform/property/HCPFilterExpression.h"
 
-#include <string_view>
+#include <strings.h>
 #include <utility>
 
 #include "platform/msg/ComMsgMgr.h"
@@ -11,6 +11,10 @@ namespace {
 
 bool is_blank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+bool equal_text(std::string_view a, std::string_view b, bool nocase) {
+    return a.size() == b.size() && (nocase ? ::strncasecmp(a.data(), b.data(), a.size()) == 0 : a == b);
 }
 
 constexpr std::pair<std::string_view, HCPFilterExpression::Operator> operators[] = {
@@ -246,4 +250,23 @@ private:
 HCPFilterExpression::HCPFilterExpression(std::string text, Options options)
     : m_text(std::move(text)), m_options(options) {
     Compiler(*this).run();
+}
+
+bool HCPFilterExpression::Test::answer(std::string_view text, bool nocase, bool equalAsNumbers) const {
+    if (op == Operator::truth) {
+        const auto value = HATAttrUtils::numberFrom(text);
+        return value ? *value != 0 : !text.empty() && !equal_text(text, "false", true);
+    }
+    if (pattern) {
+        return pattern->match(text) == (op == Operator::match);
+    }
+    if (number && (equalAsNumbers || !is_equality())) {
+        if (const auto value = HATAttrUtils::numberFrom(text)) {
+            return compare(*value, op, *number);
+        }
+    }
+    if (is_equality()) {
+        return equal_text(text, literal, nocase) == (op == Operator::equal);
+    }
+    return compare(text, op, std::string_view(literal));
 }

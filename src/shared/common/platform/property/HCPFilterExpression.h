@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/tcl/HTCTclPatternMatch.h"
@@ -39,6 +40,17 @@ public:
         std::string literal;
         std::optional<double> number;              ///< the literal, if it is one
         std::optional<HTCTclPatternMatch> pattern; ///< for match and no_match
+
+        bool is_equality() const { return op == Operator::equal || op == Operator::not_equal; }
+        /// True for the six comparisons by value.
+        bool by_value() const {
+            return op != Operator::truth && op != Operator::match && op != Operator::no_match;
+        }
+        /// What an object without the property answers.
+        bool without_value() const { return op == Operator::not_equal || op == Operator::no_match; }
+        /// What a text answers. Texts that both read as numbers compare by size, and are equal as such only
+        /// if `equalAsNumbers`.
+        bool answer(std::string_view text, bool nocase, bool equalAsNumbers = false) const;
     };
 
     /// Throws HEXError that tells the position, from 1, and what was expected there; and as

@@ -1,7 +1,5 @@
 #include "platform/property/HCPTclFilterMatch.h"
 
-#include <strings.h>
-
 #include "platform/env/HUTConvert.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/msg/HEX.h"
@@ -20,27 +18,6 @@ namespace {
 bool is_number(HATAttrTypes::AttrType type) {
     using namespace HATAttrTypes;
     return type == type_bool || type == type_int || type == type_long || type == type_double;
-}
-
-bool by_value(Operator op) {
-    return op != Operator::truth && op != Operator::match && op != Operator::no_match;
-}
-
-bool is_equality(Operator op) {
-    return op == Operator::equal || op == Operator::not_equal;
-}
-
-bool equal_text(const std::string& a, const std::string& b, bool nocase) {
-    return a.size() == b.size() && (nocase ? ::strncasecmp(a.data(), b.data(), a.size()) == 0 : a == b);
-}
-
-bool is_true(const HATAttrAny& value) {
-    if (const auto number = HATAttrUtils::numberOf(value)) {
-        return *number != 0;
-    }
-    const std::string text = HATAttrUtils::getStringValue(value);
-    const auto number = HATAttrUtils::numberFrom(text);
-    return number ? *number != 0 : !text.empty() && !equal_text(text, "false", true);
 }
 
 [[noreturn]] void refuse(const std::string& literal, const HATAttrSpec& spec) {
@@ -90,10 +67,10 @@ void HCPTclFilterMatch::bind(const HCPProperty::ObjectInfo& info, const void* ob
         if (bound.reader.spec() != info.defaultSpec()) {
             const HATAttrSpec& spec = *bound.reader.spec()->getAttrSpec();
             bound.isNumber = is_number(spec.getAttrType());
-            if (bound.isNumber && by_value(test.op)) {
+            if (bound.isNumber && test.by_value()) {
                 bound.number = number_for(test, spec);
             }
-            if (spec.isEnumerated() && is_equality(test.op) && !m_expression.options().nocase) {
+            if (spec.isEnumerated() && test.is_equality() && !m_expression.options().nocase) {
                 HATAttrUtils::convert(spec, test.literal);
             }
         }
@@ -105,29 +82,19 @@ void HCPTclFilterMatch::bind(const HCPProperty::ObjectInfo& info, const void* ob
 bool HCPTclFilterMatch::answer(bound_test& bound, const void* object) {
     const HCPFilterExpression::Test& test = *bound.test;
     if (!bound.reader.get(*m_info, object, m_value)) {
-        return test.op == Operator::not_equal || test.op == Operator::no_match;
+        return test.without_value();
     }
-    if (test.op == Operator::truth) {
-        return is_true(m_value);
-    }
-    if (bound.isNumber && by_value(test.op)) {
+    if (bound.isNumber && test.by_value()) {
         if (const auto number = HATAttrUtils::numberOf(m_value)) {
             return HCPFilterExpression::compare(*number, test.op, *bound.number);
         }
     }
-    const std::string* held = std::get_if<std::string>(&m_value);
-    const std::string made = held ? std::string() : HATAttrUtils::getStringValue(m_value);
-    const std::string& text = held ? *held : made;
-    if (test.pattern) {
-        return test.pattern->match(text) == (test.op == Operator::match);
-    }
-    if (is_equality(test.op)) {
-        return equal_text(text, test.literal, m_expression.options().nocase) == (test.op == Operator::equal);
-    }
-    if (test.number) {
-        if (const auto number = HATAttrUtils::numberFrom(text)) {
-            return HCPFilterExpression::compare(*number, test.op, *test.number);
+    if (test.op == Operator::truth) {
+        if (const auto number = HATAttrUtils::numberOf(m_value)) {
+            return *number != 0;
         }
     }
-    return HCPFilterExpression::compare(text, test.op, test.literal);
+    const bool nocase = m_expression.options().nocase;
+    const std::string* held = std::get_if<std::string>(&m_value);
+    return held ? test.answer(*held, nocase) : test.answer(HATAttrUtils::getStringValue(m_value), nocase);
 }

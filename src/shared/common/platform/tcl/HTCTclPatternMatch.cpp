@@ -29,6 +29,16 @@ size_t behind(std::string_view text, size_t at) {
     return at;
 }
 
+// A glob pattern without its backslashes.
+std::string unescaped(std::string_view pattern) {
+    std::string name;
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        i += pattern[i] == '\\' && i + 1 < pattern.size();
+        name += pattern[i];
+    }
+    return name;
+}
+
 // One element of a glob pattern that stands for one character.
 struct glob_step {
     size_t nextPattern;
@@ -128,6 +138,9 @@ struct HTCTclPatternMatch::expression {
 HTCTclPatternMatch::HTCTclPatternMatch(std::string pattern, bool regexp, bool nocase, Brackets brackets)
     : m_pattern(std::move(pattern)), m_nocase(nocase), m_brackets(brackets) {
     if (!regexp) {
+        if (!nocase && !hasWildcards()) {
+            m_literal = unescaped(m_pattern);
+        }
         return;
     }
     auto compiled = std::make_shared<expression>(m_pattern, nocase);
@@ -139,8 +152,18 @@ HTCTclPatternMatch::HTCTclPatternMatch(std::string pattern, bool regexp, bool no
 }
 
 bool HTCTclPatternMatch::hasWildcards() const {
-    return m_expression ||
-           m_pattern.find_first_of(m_brackets == Brackets::set ? "*?[" : "*?") != std::string::npos;
+    if (m_expression) {
+        return true;
+    }
+    const std::string_view wild = m_brackets == Brackets::set ? "*?[" : "*?";
+    for (size_t i = 0; i < m_pattern.size(); ++i) {
+        if (m_pattern[i] == '\\') {
+            ++i;
+        } else if (wild.find(m_pattern[i]) != std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool HTCTclPatternMatch::matches(std::string_view name, bool nocase) const {
@@ -148,5 +171,5 @@ bool HTCTclPatternMatch::matches(std::string_view name, bool nocase) const {
         return RE2::FullMatch(re2::StringPiece(name.data(), name.size()),
                               nocase ? m_expression->caseless : m_expression->given);
     }
-    return glob_matcher(m_pattern, name, nocase, m_brackets == Brackets::set).matches();
+    return m_pattern == "*" || glob_matcher(m_pattern, name, nocase, m_brackets == Brackets::set).matches();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,13 +22,18 @@ public:
     explicit HTCTclPatternMatch(std::string pattern, bool regexp = false, bool nocase = false,
                                 Brackets brackets = Brackets::set);
 
-    bool match(std::string_view name) const { return matches(name, m_nocase); }
+    bool match(std::string_view name) const {
+        return m_literal ? name == *m_literal : matches(name, m_nocase);
+    }
     /// Without regard to the case of letters, whatever the pattern was made with.
     bool matchNoCase(std::string_view name) const { return matches(name, true); }
 
     /// True if the pattern can match more than one name; always for a regular expression.
     bool hasWildcards() const;
+    /// The one name that the pattern stands for; absent with wildcards, and where case is ignored.
+    const std::optional<std::string>& literal() const { return m_literal; }
     const std::string& pattern() const { return m_pattern; }
+    bool isNoCase() const { return m_nocase; }
 
 private:
     struct expression;
@@ -37,5 +43,6 @@ private:
     std::string m_pattern;
     bool m_nocase;
     Brackets m_brackets;
+    std::optional<std::string> m_literal;
     std::shared_ptr<const expression> m_expression; // null for a glob
 };
