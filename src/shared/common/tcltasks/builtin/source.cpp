@@ -75,19 +75,21 @@ private:
     bool m_wasNoTrace;
 };
 
-// Shows what went wrong in a file: the message that ended it, if there was one, then Tcl's stack.
+// Shows what went wrong in a file: the message that ended it, if there was one, then Tcl's stack. A file that
+// ended with another code than an error keeps its result.
 void show_script_error(Tcl_Interp* interp, int code) {
     std::string shown;
     task_manager::retrieve_and_send_except_msg_instance(shown, 0);
     std::string info = HTCTclUtils::tclGetErrorInfo(interp, code);
-    if (!info.empty()) {
-        info += '\n';
-        const size_t at = shown.empty() ? std::string::npos : info.find(shown);
-        if (at != std::string::npos) {
-            info.erase(0, at + shown.size());
-        }
-        ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_ERRORINFO, info);
+    if (info.empty()) {
+        return;
     }
+    info += '\n';
+    const size_t at = shown.empty() ? std::string::npos : info.find(shown);
+    if (at != std::string::npos) {
+        info.erase(0, at + shown.size());
+    }
+    ComMsgMgr::sendMsgString("common", ComMsgMgr::MSGTYPE_ERRORINFO, info);
     Tcl_ResetResult(interp);
 }
 

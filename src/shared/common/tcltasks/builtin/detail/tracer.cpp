@@ -29,6 +29,33 @@ std::optional<int> frame_depth(Tcl_Interp* interp) {
     return std::nullopt;
 }
 
+// The same from the procedure behind the command, which sees one frame less since nothing is evaluated for
+// it.
+std::optional<int> frame_depth(Tcl_Interp* interp, Tcl_ObjCmdProc* direct) {
+    if (!direct) {
+        return frame_depth(interp);
+    }
+    static const tclobj_ref& name = *new tclobj_ref(Tcl_NewStringObj("::info frame", -1));
+    Tcl_Obj* const words[] = {name.get()};
+    int depth = 0;
+    if (direct(nullptr, interp, 1, words) == TCL_OK &&
+        Tcl_GetIntFromObj(nullptr, Tcl_GetObjResult(interp), &depth) == TCL_OK) {
+        return depth + 1;
+    }
+    return std::nullopt;
+}
+
+// The procedure behind `info frame`, for a trace that asks at each command; null if it does not tell the
+// depth that the command has just told.
+Tcl_ObjCmdProc* direct_frame_question(Tcl_Interp* interp, int depth) {
+    Tcl_CmdInfo info;
+    if (!Tcl_GetCommandInfo(interp, "::tcl::info::frame", &info) || !info.isNativeObjectProc ||
+        info.objClientData || frame_depth(interp, info.objProc) != depth) {
+        return nullptr;
+    }
+    return info.objProc;
+}
+
 // Tcl counts evaluations apart from frames. Finds out which evaluation level a command run from here has.
 int evaluation_level(Tcl_Interp* interp) {
     int level = 0;
@@ -120,7 +147,7 @@ void report_command(Tcl_Interp* interp, int level, const char* command, Tcl_Comm
     if (text.starts_with(prefix)) {
         text.erase(0, prefix.size());
     }
-    const int frame = frame_depth(interp).value_or(0);
+    const int frame = frame_depth(interp, state.frameQuestion).value_or(0);
     state.writeCmdText = false;
     if (level + 1 < frame && !state.traceAll) {
         return;
@@ -206,6 +233,7 @@ void push_tracer(Tcl_Interp* interp) {
     }
     if (const std::optional<int> frames = frame_depth(interp)) {
         state.depth = {*frames, evaluation_level(interp) - *frames};
+        state.frameQuestion = direct_frame_question(interp, *frames);
     }
     Tcl_ResetResult(interp);
     ++state.indentLevel;
@@ -240,12 +268,11 @@ std::string format_command(int indent, const std::string& text) {
     const std::string prefix = indent > 0 ? std::string(static_cast<size_t>(indent), '#') + ' ' : "";
     std::string formatted = prefix;
     formatted.reserve(text.size() + prefix.size() + 1);
-    for (size_t i = 0; i < text.size(); ++i) {
-        formatted += text[i];
-        if (text[i] == '\n' && i + 1 < text.size()) {
-            formatted += prefix;
-        }
+    size_t line = 0;
+    for (size_t end; (end = text.find('\n', line) + 1) > 0 && end < text.size(); line = end) {
+        formatted.append(text, line, end - line) += prefix;
     }
+    formatted.append(text, line);
     if (formatted.empty() || formatted.back() != '\n') {
         formatted += '\n';
     }

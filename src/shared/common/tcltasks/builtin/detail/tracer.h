@@ -23,8 +23,9 @@ struct tracer_state {
     traced_depth depth;              ///< of the active trace
     std::vector<traced_depth> outer; ///< of the traces that the active one stands in for
     Tcl_Trace trace = nullptr;       ///< the active trace; null while it is taken away
-    bool inlined = false;            ///< the active trace lets Tcl compile inline
-    bool resting = false;            ///< a command that the active trace has seen runs
+    Tcl_ObjCmdProc* frameQuestion = nullptr; ///< tells the frame depth without an evaluation; null for none
+    bool inlined = false;                    ///< the active trace lets Tcl compile inline
+    bool resting = false;                    ///< a command that the active trace has seen runs
 };
 tracer_state& tracer();
 
