@@ -9,6 +9,8 @@
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/builtin/HTCBuiltinInit.h"
+#include "tcltasks/builtin/completion/HTCInfoCommands.h"
+#include "tcltasks/builtin/completion/HTCMatchOptions.h"
 #include "tcltasks/builtin/editline/HTCLibEdit.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/builtin/list_cmds/list_cmds.h"
@@ -43,6 +45,8 @@ const unit units[] = {
     {HTCCommandInit::command_cmds::init, HTCCommandInit::command_cmds::uninit},
     {HTCDriverInit::HTCDriver::init, HTCDriverInit::HTCDriver::uninit},
     {HTCLibEditInit::HTCLibEdit::init, HTCLibEditInit::HTCLibEdit::uninit},
+    {HTCLibEditInit::HTCMatchOptions::init, HTCLibEditInit::HTCMatchOptions::uninit},
+    {HTCLibEditInit::HTCInfoCommands::init, HTCLibEditInit::HTCInfoCommands::uninit},
     {HTCParamInit::param_cmds::init, HTCParamInit::param_cmds::uninit},
     {HTCParamInit::HTCResetParam::init, HTCParamInit::HTCResetParam::uninit},
     {HTCPropertyInit::get_cmds::init, HTCPropertyInit::get_cmds::uninit},
