@@ -146,7 +146,7 @@ check "the journal of a replay replays in turn" same_state
 cat >prompt.exp <<'EXPECT'
 set timeout 30
 proc fail {what} {puts "FAILED: $what"; exit 99}
-proc type {line {pattern {Corvane% $}}} {
+proc type {line {pattern {[Cc]orvane% $}}} {
     send -- "$line\r"
     expect {
         -re $pattern {}
@@ -155,10 +155,10 @@ proc type {line {pattern {Corvane% $}}} {
     }
 }
 spawn -noecho [lindex $argv 0] -mode tcl -log first.log -journal first.jou
-expect -re {Corvane% $}
+expect -re {[Cc]orvane% $}
 type "set x 1"
-type "proc twice \{n\} \{" {> $}
-type "    expr \{\$n * 2\}" {> $}
+type "proc twice \{n\} \{" {[->] $}
+type "    expr \{\$n * 2\}" {[->] $}
 type "\}"
 type "set y \[twice 21\]"
 type "incr x"
@@ -171,9 +171,9 @@ type "!nosuch"
 type "set_param general.maxThreads 4"
 type "set_param general.maxThreads much"
 type "nosuchcommand"
-type "set half \{a; error away; set never 1"  {> $}
+type "set half \{a; error away; set never 1"  {[->] $}
 send "\003"
-expect -re {Corvane% $}
+expect -re {[Cc]orvane% $}
 type "set z 1; error away; set never 1"
 type "read_netlist [lindex $argv 1]"
 type "set_property dont_touch true \[get_cells u_first\]"
