@@ -9,9 +9,11 @@
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclobj_ref.h"
+#include "tcltasks/builtin/completion/completion.h"
 #include "tcltasks/builtin/editline/evaluate.h"
 #include "tcltasks/builtin/editline/libedit_functions.h"
 #include "tcltasks/builtin/editline/prompt_terminal.h"
+#include "tcltasks/builtin/editline/user_history.h"
 
 using vek::tcltasks::tclobj_ref;
 
@@ -30,7 +32,6 @@ std::string s_save_tcl_prompt2;
 bool s_armed = false; // what Tcl's hook holds, which cannot be asked
 
 constexpr const char* silent = "puts -nonewline {}";
-constexpr int history_size = 100;
 
 void silence(Tcl_Interp* interp, const char* variable, std::string& saved) {
     Tcl_Obj* value = Tcl_GetVar2Ex(interp, variable, nullptr, TCL_GLOBAL_ONLY);
@@ -66,19 +67,12 @@ unsigned char tcl_delete_next_char(EditLine* el, int) {
     return CC_REFRESH;
 }
 
-unsigned char tcl_completion(EditLine* el, int) {
-    el_beep(el);
-    return CC_ERROR;
-}
-
 /// libedit's objects for as long as the loop runs.
 class editor {
 public:
-    editor() : el(el_init(s_app.c_str(), stdin, stdout, stderr)), hist(history_init()) {
+    editor() : el(el_init(s_app.c_str(), stdin, stdout, stderr)) {
         const auto& lib = libedit();
-        HistEvent event;
-        lib.history(hist, &event, H_SETSIZE, history_size);
-        lib.el_set(el, EL_HIST, lib.history, hist);
+        lib.el_set(el, EL_HIST, lib.history, history.get());
         lib.el_set(el, EL_PROMPT, tcl_prompt);
         lib.el_set(el, EL_EDITOR, "emacs");
         lib.el_set(el, EL_TERMINAL, nullptr);
@@ -91,20 +85,12 @@ public:
         el_source(el, nullptr);
         el_reset(el);
     }
-    ~editor() {
-        el_end(el);
-        history_end(hist);
-    }
+    ~editor() { el_end(el); }
     editor(const editor&) = delete;
     editor& operator=(const editor&) = delete;
 
-    void remember(const char* text) {
-        HistEvent event;
-        libedit().history(hist, &event, H_ENTER, text);
-    }
-
+    user_history history;
     EditLine* const el;
-    History* const hist;
 };
 
 /// The variable tcl_interactive tells whether the commands come from a terminal, as a host's own loop does.
@@ -217,7 +203,7 @@ private:
         Tcl_SetObjLength(m_command.get(), --length);
         const bool terminal = m_interactive.isTerminal();
         if (terminal && length > 0) {
-            m_editor.remember(HTCTclEncoding::tclGetString(m_command.get()).c_str());
+            m_editor.history.add(Tcl_GetString(m_command.get()));
         }
         const int code = evaluate(m_interp, m_command.get());
         begin_command();

@@ -1,0 +1,86 @@
+#include "tcltasks/builtin/editline/user_history.h"
+
+#include <cstdlib>
+#include <string_view>
+#include <system_error>
+#include <tcl.h>
+
+#include "platform/msg/ComMsgMgr.h"
+#include "platform/tcl/HTCTclEncoding.h"
+#include "tcltasks/builtin/editline/libedit_functions.h"
+
+namespace HTCLibEdit::detail {
+
+namespace {
+
+constexpr int size = 100;
+
+// Whether one of the commands in a script is the tool's own.
+bool has_own_command(const std::string& script) {
+    const char* at = script.data();
+    const char* const end = at + script.size();
+    while (at < end) {
+        Tcl_Parse parse;
+        if (Tcl_ParseCommand(nullptr, at, static_cast<int>(end - at), 0, &parse) != TCL_OK) {
+            return false;
+        }
+        if (parse.numWords > 0) {
+            std::string_view name(parse.tokenPtr->start, static_cast<size_t>(parse.tokenPtr->size));
+            name.remove_prefix(std::min(name.find_first_not_of(':'), name.size()));
+            if (name.starts_with("omu::")) {
+                Tcl_FreeParse(&parse);
+                return true;
+            }
+        }
+        at = parse.commandStart + parse.commandSize;
+        Tcl_FreeParse(&parse);
+    }
+    return false;
+}
+
+// libedit shows no entry, and none that is older, if one is no text in the user's encoding.
+bool is_text(const std::string& entry) {
+    return std::mbstowcs(nullptr, entry.c_str(), 0) != static_cast<size_t>(-1);
+}
+
+template <class Work>
+void tell_failure(Work&& work) {
+    try {
+        work();
+    } catch (const std::system_error& failure) {
+        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5420@%s\n", failure.what());
+    }
+}
+
+} // namespace
+
+user_history::user_history() : m_history(history_init()), m_file(HUTHistoryFile::userPath()) {
+    HistEvent event;
+    libedit().history(m_history, &event, H_SETSIZE, size);
+    tell_failure([&] {
+        for (const std::string& entry : m_file.newest(size)) {
+            if (is_text(entry)) {
+                enter(entry);
+            }
+        }
+    });
+}
+
+user_history::~user_history() {
+    history_end(m_history);
+}
+
+void user_history::add(const std::string& command) {
+    const std::string text = HTCTclEncoding::fromTcl(command);
+    enter(text);
+    if (!has_own_command(command)) {
+        tell_failure([&] { m_file.add(text); });
+    }
+}
+
+void user_history::enter(const std::string& command) {
+    HistEvent event;
+    libedit().history(m_history, &event, H_ENTER, command.c_str());
+}
+
+} // namespace HTCLibEdit::detail
