@@ -19,7 +19,7 @@ public:
 
     static void load_description() {
         in_categories("Trial");
-        description_instance("Take one option of every kind.", "what was given")
+        description_instance("Take one option of every kind.", "What was given")
             .add_options()
             .add_option("name", options::text("none"), "A text")
             .add_option("number", options::number(7), "An integer")
@@ -235,7 +235,7 @@ TEST_F(Options, MoreWordsThanPlacesAreRefusedWithTheUsage) {
 
 TEST_F(Options, AMissingRequiredOptionIsNamedWithTheUsage) {
     const std::string message = error("trial::strict");
-    EXPECT_TRUE(has(message, "17-5007") && has(message, "'name'") && has(message, "Usage: strict"))
+    EXPECT_TRUE(has(message, "17-5007") && has(message, "'name'") && has(message, "Usage: trial::strict"))
         << message;
 }
 
@@ -310,7 +310,7 @@ TEST_F(Options, HelpIsPrintedAndNothingRuns) {
     const std::string page = console->text();
     for (const char* part :
          {"Take one option of every kind.", "-number", "An integer", "Default: 7", "gui|tcl|batch", "<first>",
-          "[<rest>...]", "what was given", "-quiet", "Trial"}) {
+          "[<rest>...]", "What was given", "-quiet", "Trial"}) {
         EXPECT_TRUE(has(page, part)) << part << "\n" << page;
     }
     EXPECT_FALSE(has(page, "secret"));

@@ -361,7 +361,7 @@ TEST_F(Task, AResultOfEveryTypeHasAForm) {
 
 TEST_F(Task, HelpComesInThreeForms) {
     const auto task = task_manager::createTask("trial::scripted");
-    EXPECT_EQ(task->task_help(interp, "syntax"), "scripted [-quiet] [-verbose] [<word>]");
+    EXPECT_EQ(task->task_help(interp, "syntax"), "SYNTAX\n  trial::scripted [-quiet] [-verbose] [<word>]\n");
     EXPECT_TRUE(has(task->task_help(interp, "args"), "A word."));
     EXPECT_TRUE(has(task->task_help(interp, "long"), "Do what the test says."));
 }

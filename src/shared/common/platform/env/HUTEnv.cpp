@@ -16,9 +16,11 @@
 #include <langinfo.h>
 #include <memory>
 #include <mutex>
+#include <pwd.h>
 #include <string_view>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -106,7 +108,9 @@ std::vector<std::string> make_roots(const std::string& approot) {
     };
     for (const std::string& directory : HSTStringUtils::split(approot, ':'))
         add(directory);
-    add(own_root());
+    const std::string own = own_root();
+    add(own);
+    add(HUTPathUtils::join({own, "share/tcl8.6"}));
     return roots;
 }
 
@@ -231,6 +235,14 @@ std::string HUTEnv::getFullBuildStr() {
     return "Build " CORVANE_BUILD_ID " of " CORVANE_BUILD_DATE;
 }
 
+std::string HUTEnv::getBuildDate() {
+    return CORVANE_BUILD_DATE;
+}
+
+std::string HUTEnv::getBuildId() {
+    return CORVANE_BUILD_ID;
+}
+
 std::string HUTEnv::getFullIPBuildStr() {
     return {};
 }
@@ -286,6 +298,14 @@ std::string HUTEnv::getTimeStamp() {
 
 int HUTEnv::getPid() {
     return ::getpid();
+}
+
+std::string HUTEnv::getUserName() {
+    std::vector<char> space(4096);
+    passwd entry{}, *found = nullptr;
+    while (::getpwuid_r(::geteuid(), &entry, space.data(), space.size(), &found) == ERANGE)
+        space.resize(space.size() * 2);
+    return found ? found->pw_name : std::to_string(::geteuid());
 }
 
 std::string HUTEnv::getPWD() {

@@ -47,6 +47,9 @@ public:
     static std::string getFullBuildStr();
     static std::string getFullIPBuildStr();
     static std::string getFullSharedDataBuildStr();
+    /// The day of the build, "2026-11-21", and what it was made from.
+    static std::string getBuildDate();
+    static std::string getBuildId();
     /// The two copyright lines.
     static const std::vector<std::string>& getCopyrightLines();
 
@@ -62,6 +65,8 @@ public:
     /// Local time, as "Sat Nov 21 05:03:29 2026".
     static std::string getTimeStamp();
     static int getPid();
+    /// The name of the user that runs the process; the number where it has no name.
+    static std::string getUserName();
     /// The working directory; empty if it is gone.
     static std::string getPWD();
     static std::string getHostName();
@@ -89,8 +94,9 @@ public:
     static std::string getVEKAppDataDir();
 
     /// The application roots in search order, absolute and without repetition: the directories of the
-    /// ":"-separated list $OMU_APPROOT, then the root that this library lies in. Relative entries count from
-    /// the working directory at the first call.
+    /// ":"-separated list $OMU_APPROOT, then the root that this library lies in, then the root inside it that
+    /// has the manual pages of plain Tcl, if they are installed. Relative entries count from the working
+    /// directory at the first call.
     static std::vector<std::string> getOMUAppRootList();
 
     /// The first root under which `relative` exists; empty if none has it. "" gives the first root.

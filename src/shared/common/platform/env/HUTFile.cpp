@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using env_detail::file_descriptor;
 using env_detail::throw_system_error;
@@ -100,6 +101,24 @@ std::string follow_links(const std::string& path) {
 
 } // namespace
 
+std::string HUTFile::getName() const {
+    return HUTPathUtils::fileName(m_path);
+}
+
+bool HUTFile::isFile() const {
+    return HUTPathUtils::isRegularFile(m_path);
+}
+
+std::vector<HUTFile> HUTFile::createFileIter() const {
+    std::error_code error;
+    std::vector<HUTFile> entries;
+    for (std::filesystem::directory_iterator at(m_path, error), end; !error && at != end; at.increment(error))
+        entries.emplace_back(at->path().string());
+    if (error)
+        throw_system_error(error.value(), "cannot read the directory", m_path);
+    return entries;
+}
+
 std::string HUTFile::getCanonicalName(const std::string& path) {
     if (path.empty())
         return {};
@@ -117,6 +136,16 @@ std::string HUTFile::getCanonicalName(const std::string& path) {
 
 bool HUTFile::exists(const std::string& path) {
     return HUTPathUtils::exists(path);
+}
+
+bool HUTFile::isWriteable(const std::string& path) {
+    if (path.empty() || path.find('\0') != std::string::npos || HUTPathUtils::isDirectory(path))
+        return false;
+    if (HUTPathUtils::exists(path))
+        return ::access(path.c_str(), W_OK) == 0;
+    const std::size_t slash = path.rfind('/');
+    return !path.ends_with('/') &&
+           HUTPathUtils::isWritableDirectory(slash == std::string::npos ? "." : path.substr(0, slash + 1));
 }
 
 std::string HUTFile::read(const std::string& path) {

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <boost/program_options/value_semantic.hpp>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTEnv.h"
+#include "platform/taskcore/HTCTclTaskOptions.h"
+#include "platform/taskcore/help_page.h"
 #include "platform/taskcore/task_options_base.h"
 
 namespace vek::tcltasks {
@@ -13,12 +13,7 @@ namespace vek::tcltasks {
 namespace {
 
 constexpr size_t width = 80;
-
-// The command's name as users type it: the public namespace is imported everywhere.
-std::string short_name(const std::string& name) {
-    const size_t colons = name.rfind("::");
-    return colons == std::string::npos ? name : name.substr(colons + 2);
-}
+constexpr size_t widest_name = 28; // of an argument that has its text beside it
 
 struct help_row {
     std::string name;
@@ -53,9 +48,18 @@ bool is_positional(const task_options_base& task, const std::string& name) {
     return false;
 }
 
+// What an option takes, in one word: "integer" of "an integer of zero or more".
+std::string kind_word(const options_description::option& option) {
+    std::string_view kind = option.semantic->value_kind();
+    kind.remove_prefix(kind.starts_with("a ") || kind.starts_with("an ") || kind.starts_with("any ")
+                           ? kind.find(' ') + 1
+                           : 0);
+    return std::string(kind.substr(0, kind.find(' ')));
+}
+
 std::string value_word(const options_description::option& option) {
     if (option.choices.empty()) {
-        return "<arg>";
+        return "<" + kind_word(option) + ">";
     }
     std::string text;
     for (const std::string& choice : option.choices) {
@@ -64,14 +68,20 @@ std::string value_word(const options_description::option& option) {
     return text;
 }
 
+// An option as it is written in a call.
+std::string switch_form(const options_description::option& option, const std::string& value) {
+    const bool valueMayMiss = option.semantic->has_implicit();
+    return "-" + option.name + (option.is_flag() ? "" : valueMayMiss ? " [" + value + "]" : " " + value);
+}
+
 std::string usage(const task_options_base& task, const std::string& name) {
     const options_description& description = task.get_options_description();
-    std::string text = short_name(name);
+    std::string text = help_page::typed_name(name);
     for (const auto& option : description.options()) {
         if (option.semantic->is_hidden() || is_positional(task, option.name)) {
             continue;
         }
-        const std::string form = "-" + option.name + (option.is_flag() ? "" : " " + value_word(option));
+        const std::string form = switch_form(option, value_word(option));
         text += option.required ? " " + form : " [" + form + "]";
     }
     for (const infra_option& infra : infra_option::all) {
@@ -109,6 +119,13 @@ std::string choice_note(const options_description::option& option) {
     return text.empty() ? text : text + ".";
 }
 
+std::string capital(std::string text) {
+    if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') {
+        text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    }
+    return text;
+}
+
 std::string sentence(std::string text) {
     if (!text.empty() && std::string_view(".!?").find(text.back()) == std::string_view::npos) {
         text += '.';
@@ -116,28 +133,37 @@ std::string sentence(std::string text) {
     return text;
 }
 
+// What a word of a call that stands without a switch has to be, where that is not any text.
+std::string type_note(const options_description::option& option) {
+    const std::string_view kind = option.semantic->value_kind();
+    return option.choices.empty() && kind != "any text" ? " Takes " + std::string(kind) + "." : std::string();
+}
+
 std::vector<help_row> rows(const task_options_base& task) {
     const options_description& description = task.get_options_description();
     std::vector<help_row> result;
-    const auto add = [&](const options_description::option& option, const std::string& form) {
+    const auto add = [&](const options_description::option& option, const std::string& form,
+                         const std::string& type) {
         if (!option.semantic->is_hidden()) {
-            result.push_back({form, sentence(option.help) + choice_note(option) + default_note(option)});
+            result.push_back(
+                {form, sentence(option.help) + type + choice_note(option) + default_note(option)});
         }
     };
     for (const auto& option : description.options()) {
         if (!is_positional(task, option.name)) {
-            add(option, "-" + option.name);
-        }
-    }
-    for (const infra_option& infra : infra_option::all) {
-        if (description.find(infra.name) < 0) {
-            result.push_back({std::string("-") + infra.name, sentence(infra.text)});
+            add(option, switch_form(option, "<" + kind_word(option) + ">"), "");
         }
     }
     for (const auto& position : task.get_positional_options().positions()) {
         const int index = description.find(position.name);
         if (index >= 0) {
-            add(description.options()[static_cast<size_t>(index)], "<" + position.name + ">");
+            const auto& option = description.options()[static_cast<size_t>(index)];
+            add(option, "<" + position.name + ">", type_note(option));
+        }
+    }
+    for (const infra_option& infra : infra_option::all) {
+        if (description.find(infra.name) < 0) {
+            result.push_back({std::string("-") + infra.name, sentence(infra.text)});
         }
     }
     return result;
@@ -147,7 +173,9 @@ void write_arguments(std::ostream& out, const task_options_base& task) {
     size_t column = 0;
     const auto table = rows(task);
     for (const help_row& row : table) {
-        column = std::max(column, std::min<size_t>(row.name.size(), 24));
+        if (row.name.size() <= widest_name) {
+            column = std::max(column, row.name.size());
+        }
     }
     for (const help_row& row : table) {
         out << "  " << row.name;
@@ -162,59 +190,78 @@ void write_arguments(std::ostream& out, const task_options_base& task) {
     }
 }
 
-// A description of several lines keeps them; a single one is a sentence.
-void write_description(std::ostream& out, const std::string& description) {
+// The name with what the command does. A description of several lines keeps them, below the name.
+void write_name(std::ostream& out, const std::string& name, const std::string& description) {
     const auto lines = HSTStringUtils::split(HSTStringUtils::trim(description), '\n');
+    out << "NAME\n";
+    if (lines.size() == 1) {
+        wrap(out << "  ", name + " - " + sentence(lines[0]), 4, 2);
+        return;
+    }
+    out << "  " << name << '\n';
     for (const std::string& line : lines) {
-        wrap(out << "  ", lines.size() > 1 ? line : sentence(line), 2, 2);
+        wrap(out << "    ", line, 4, 4);
     }
 }
 
-std::string page(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+void write_syntax(std::ostream& out, const task_options_base& task, const std::string& name) {
+    wrap(out << "SYNTAX\n  ", usage(task, name), 6, 2);
+}
+
+void write_section(std::ostream& out, const char* heading, const std::string& lines) {
+    if (!lines.empty()) {
+        out << '\n' << heading << '\n' << lines;
+    }
+}
+
+std::string visible_categories(const task_options_base& task) {
+    std::string list;
+    for (const std::string& name : HSTStringUtils::split(task.categories(), ':')) {
+        if (!name.empty() && !HTCTclTaskOptions::isCategoryHidden(name)) {
+            list += (list.empty() ? "" : ", ") + name;
+        }
+    }
+    return list;
 }
 
 } // namespace
 
 std::string task_options_base::long_help_path(Tcl_Interp*, const std::string& name) const {
-    const std::string relative = "doc/eng/man/" + short_name(long_help_name(name));
+    const std::string relative = help_page::place(long_help_name(name));
     const std::string root = HUTEnv::getOMUAppRoot(relative);
     return root.empty() ? root : root + "/" + relative;
 }
 
 std::string task_options_base::help(Tcl_Interp* interp, const std::string& name,
                                     const std::string& form) const {
-    const std::string shown = task_help_name(name);
-    std::ostringstream out;
-    if (form == "syntax") {
+    const std::string shown = help_page::typed_name(task_help_name(name));
+    if (form == "usage") {
         return usage(*this, shown);
     }
-    if (form == "long") {
-        const std::string path = long_help_path(interp, name);
-        if (!path.empty()) {
-            return page(path);
-        }
-    }
     const options_description& description = get_options_description();
-    out << short_name(shown) << "\n\nDescription:\n";
-    write_description(out, description.description());
-    out << "\nSyntax:\n";
-    wrap(out << "  ", usage(*this, shown), 6, 2);
+    std::ostringstream out;
+    if (form == "syntax") {
+        write_syntax(out, *this, shown);
+        return out.str();
+    }
+    write_name(out, shown, description.description());
+    if (form == "args") {
+        write_arguments(out << "\nARGUMENTS\n", *this);
+        return out.str();
+    }
+    const std::string path = long_help_path(interp, name);
+    const help_page page = path.empty() ? help_page() : help_page::read(path);
+    write_syntax(out << '\n', *this, shown);
+    write_arguments(out << "\nARGUMENTS\n", *this);
+    write_section(out, "DESCRIPTION", page.description());
     if (!description.returns().empty()) {
-        out << "\nReturns:\n";
-        wrap(out << "  ", sentence(description.returns()), 2, 2);
+        wrap(out << "\nRETURNS\n  ", sentence(capital(description.returns())), 2, 2);
     }
-    out << "\nArguments:\n";
-    write_arguments(out, *this);
-    if (const std::string names = categories(); !names.empty()) {
-        std::string list = names;
-        for (size_t at = 0; (at = list.find(':', at)) != std::string::npos; at += 2) {
-            list.replace(at, 1, ", ");
-        }
-        out << "\nCategories:\n";
-        wrap(out << "  ", list, 2, 2);
+    write_section(out, "EXAMPLES", page.examples());
+    if (const std::string names = visible_categories(*this); !names.empty()) {
+        wrap(out << "\nCATEGORIES\n  ", names, 2, 2);
     }
+    write_section(out, "SEE ALSO", page.see_also());
     return out.str();
 }
 

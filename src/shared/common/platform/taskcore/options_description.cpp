@@ -17,7 +17,7 @@ const infra_option infra_option::all[infra_option::count] = {
 };
 
 bool options_description::option::is_flag() const {
-    return boost->max_tokens() == 0;
+    return boost->max_tokens() == 0 && std::string_view(semantic->value_kind()).starts_with("a boolean");
 }
 
 options_description::options_description(const std::string& description, const std::string& returns)

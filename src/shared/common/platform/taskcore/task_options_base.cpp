@@ -170,7 +170,7 @@ private:
             ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5014@%s%s%s\n", declared.name,
                                command(), declared.semantic->deprecation_message());
         }
-        if (declared.is_flag()) {
+        if (declared.is_flag() || (declared.boost->min_tokens() == 0 && !value_follows())) {
             m_tokens.clear();
             declared.boost->parse(target.value, m_tokens, true);
             target.specified = true;
@@ -182,6 +182,11 @@ private:
         do {
             store_word(index);
         } while (declared.boost->max_tokens() > 1 && m_at < m_objc && !may_be_switch(m_objv[m_at]));
+    }
+
+    // Whether an option whose value may be left out has one. An object is none: it stands for itself.
+    bool value_follows() const {
+        return m_at < m_objc && !may_be_switch(m_objv[m_at]) && !detail::GetTclTypeInfo(m_objv[m_at]);
     }
 
     // Gives the word at m_at to an option as its value.
@@ -221,7 +226,7 @@ private:
             }
         }
         throw option_messages::unexpected_argument(command(), HTCTclEncoding::tclGetString(m_objv[m_at]),
-                                                   m_owner.help(m_interp, command(), "syntax"));
+                                                   m_owner.help(m_interp, command(), "usage"));
     }
 
     void take_infra(int which) {
@@ -258,7 +263,7 @@ private:
         for (size_t i = 0; i < options.size(); ++i) {
             if (options[i].required && !m_owner.m_slots[i].specified) {
                 throw option_messages::missing_option(command(), options[i].name,
-                                                      m_owner.help(m_interp, command(), "syntax"));
+                                                      m_owner.help(m_interp, command(), "usage"));
             }
             if (options[i].excludes.empty() || !m_owner.m_slots[i].specified) {
                 continue;

@@ -1,10 +1,12 @@
 #include "platform/tcl/HTCTclUtils.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/HTCTclInterp.h"
+#include "platform/tcl/tclcmdobj.h"
 #include "platform/tcl/tclobj_ref.h"
 
 // Tcl's own, exported for extensions; null for a command that was not imported.
@@ -18,6 +20,15 @@ std::atomic<const char* (*)()> modeQuery{nullptr};
 bool mode_is(const char* word) {
     const auto query = modeQuery.load();
     return query && std::strcmp(query(), word) == 0;
+}
+
+std::string without_colons(const std::string& name) {
+    return name.substr(std::min(name.find_first_not_of(':'), name.size()));
+}
+
+std::string plain_name(const std::string& name) {
+    const size_t colons = name.rfind("::");
+    return colons == std::string::npos ? name : name.substr(colons + 2);
 }
 
 } // namespace
@@ -94,5 +105,22 @@ std::string HTCTclUtils::tclNamespaceOrigin(Tcl_Interp* interp, const std::strin
 }
 
 bool HTCTclUtils::tclIsCmdInGlobalNamespace(Tcl_Interp* interp, const std::string& name) {
-    return Tcl_FindCommand(interp, name.c_str(), nullptr, TCL_GLOBAL_ONLY) != nullptr;
+    const std::string full = "::" + without_colons(name);
+    const std::string plain = "::" + plain_name(full);
+    const Tcl_Command command = Tcl_FindCommand(interp, full.c_str(), nullptr, TCL_GLOBAL_ONLY);
+    const Tcl_Command global = Tcl_FindCommand(interp, plain.c_str(), nullptr, TCL_GLOBAL_ONLY);
+    if (!command || !global || full == plain) {
+        return command && global;
+    }
+    vek::tcltasks::tclcmdobj origin(interp, "::namespace");
+    origin.append("origin").append(plain);
+    const Tcl_InterpState state = Tcl_SaveInterpState(interp, TCL_OK);
+    const bool imported = origin.eval(TCL_EVAL_GLOBAL) == TCL_OK &&
+                          Tcl_GetCommandFromObj(interp, Tcl_GetObjResult(interp)) == command;
+    Tcl_RestoreInterpState(interp, state);
+    return imported;
+}
+
+std::string HTCTclUtils::getCmdHelpName(Tcl_Interp* interp, const std::string& name) {
+    return tclIsCmdInGlobalNamespace(interp, name) ? plain_name(name) : without_colons(name);
 }

@@ -25,12 +25,17 @@ public:
     /// True while the interpreter runs inside a catch of the script.
     static bool isInCatch(Tcl_Interp* interp);
 
-    /// True if a command stands under this plain name in the global namespace.
+    /// True if the command can be called by its plain name, the last part of `name`, from anywhere: it lies
+    /// in the global namespace or is imported there.
     static bool tclIsCmdInGlobalNamespace(Tcl_Interp* interp, const std::string& name);
 
     /// The full name of the command behind a name that the global namespace sees: of an imported command, the
     /// one that it was imported from. Empty if there is no such command. Names are in Tcl's encoding.
     static std::string tclNamespaceOrigin(Tcl_Interp* interp, const std::string& name);
+
+    /// The name under which users know a command: its plain name if it can be called by that, else `name`
+    /// without leading colons.
+    static std::string getCmdHelpName(Tcl_Interp* interp, const std::string& name);
 
     /// How isInCatch finds out; the command that replaces catch installs it.
     static void setCatchQuery(bool (*query)(Tcl_Interp*));

@@ -9,13 +9,16 @@
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/builtin/HTCBuiltinInit.h"
+#include "tcltasks/builtin/HTCLocaleInit.h"
 #include "tcltasks/builtin/completion/HTCInfoCommands.h"
 #include "tcltasks/builtin/completion/HTCMatchOptions.h"
+#include "tcltasks/builtin/HTCLocaleInit.h"
 #include "tcltasks/builtin/editline/HTCLibEdit.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/builtin/list_cmds/list_cmds.h"
 #include "tcltasks/command/HTCCommandInit.h"
 #include "tcltasks/driver/HTCDriverInit.h"
+#include "tcltasks/help/HTCHelpInit.h"
 #include "tcltasks/msgmgr/HTCMsgmgrInit.h"
 #include "tcltasks/param/HTCParamInit.h"
 #include "tcltasks/property/HTCPropertyInit.h"
@@ -36,14 +39,22 @@ const unit units[] = {
     {HTCBuiltinInit::list_cmds::init, HTCBuiltinInit::list_cmds::uninit},
     {HTCBuiltinInit::source_cmds::init, HTCBuiltinInit::source_cmds::uninit},
     {HTCBuiltinInit::HTCCatch::init, HTCBuiltinInit::HTCCatch::uninit},
+    {HTCBuiltinInit::HTCOmuSubst::init, HTCBuiltinInit::HTCOmuSubst::uninit},
     {HTCBuiltinInit::HTCForeach::init, HTCBuiltinInit::HTCForeach::uninit},
+    {HTCBuiltinInit::HTCAlias::init, HTCBuiltinInit::HTCAlias::uninit},
     {HTCBuiltinInit::HTCJoin::init, HTCBuiltinInit::HTCJoin::uninit},
     {HTCBuiltinInit::HTCLappend::init, HTCBuiltinInit::HTCLappend::uninit},
     {HTCBuiltinInit::HTCLindex::init, HTCBuiltinInit::HTCLindex::uninit},
     {HTCBuiltinInit::HTCLlength::init, HTCBuiltinInit::HTCLlength::uninit},
     {HTCBuiltinInit::HTCLsearch::init, HTCBuiltinInit::HTCLsearch::uninit},
+    {HTCBuiltinInit::HTCSlave::init, HTCBuiltinInit::HTCSlave::uninit},
+    {HTCBuiltinInit::HTCShell::init, HTCBuiltinInit::HTCShell::uninit},
+    {HTCBuiltinInit::HTCLoad::init, HTCBuiltinInit::HTCLoad::uninit},
+    {HTCBuiltinInit::HTCSubst::init, HTCBuiltinInit::HTCSubst::uninit},
+    {HTCBuiltinInit::script_cmds::init, HTCBuiltinInit::script_cmds::uninit},
     {HTCCommandInit::command_cmds::init, HTCCommandInit::command_cmds::uninit},
     {HTCDriverInit::HTCDriver::init, HTCDriverInit::HTCDriver::uninit},
+    {HTCHelpInit::init, HTCHelpInit::uninit},
     {HTCLibEditInit::HTCLibEdit::init, HTCLibEditInit::HTCLibEdit::uninit},
     {HTCLibEditInit::HTCMatchOptions::init, HTCLibEditInit::HTCMatchOptions::uninit},
     {HTCLibEditInit::HTCInfoCommands::init, HTCLibEditInit::HTCInfoCommands::uninit},
@@ -59,6 +70,7 @@ const unit units[] = {
     {HTCPropertyInit::HTCPListPropertyValue::init, HTCPropertyInit::HTCPListPropertyValue::uninit},
     {HTCPropertyInit::HTCPGetAttrSpecs::init, HTCPropertyInit::HTCPGetAttrSpecs::uninit},
     {HTCMsgmgrInit::HTCMsgmgr::init, HTCMsgmgrInit::HTCMsgmgr::uninit},
+    {HTCLocaleInit::HTCCurrentLocale::init, HTCLocaleInit::HTCCurrentLocale::uninit},
     {HTCUtilsInit::HTCUtils::init, HTCUtilsInit::HTCUtils::uninit},
     {HTCUtilsInit::HTCCheckEnv::init, HTCUtilsInit::HTCCheckEnv::uninit},
     {HTCUtilsInit::HTCLoadFeature::init, HTCUtilsInit::HTCLoadFeature::uninit},

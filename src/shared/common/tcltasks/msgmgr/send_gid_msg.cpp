@@ -64,6 +64,7 @@ public:
     static constexpr const char* command = "common::send_gid_msg";
 
     static void load_description() {
+        in_categories("Message");
         description_instance(
             "Send a fully formatted message with unique GID. Id, ssname, severity and msg options are "
             "mandatory.\n\n"

@@ -55,6 +55,7 @@ public:
     static constexpr const char* command = "debug::send_message";
 
     static void load_description() {
+        in_categories("Message");
         const auto text = [] { return options::value<std::string>()->default_value("", "empty"); };
         description_instance("Send message", "")
             .add_options()

@@ -49,6 +49,7 @@ public:
     static constexpr const char* command = "common::send_msg_id";
 
     static void load_description() {
+        in_categories("Message");
         description_instance("Send message by id", "")
             .add_options()
             .add_option(
