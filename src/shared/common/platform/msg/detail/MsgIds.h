@@ -21,6 +21,7 @@ struct IdRecord {
     std::atomic<unsigned> count{0};
     std::atomic<std::int64_t> limit{no_limit_of_its_own};
     std::atomic<bool> noticed{false}; ///< the user was told that the limit is reached
+    std::atomic<bool> ruled{false};   ///< rules name this id
 
     void reset_count() {
         count = 0;
