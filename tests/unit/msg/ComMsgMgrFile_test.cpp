@@ -83,7 +83,54 @@ TEST(ComMsgMgrFile, unsoundConversionsAreRefused) {
               "2:20: '%n' in the text is no conversion; a percent sign is written %%\n");
     EXPECT_EQ(problems_of(head + "message 90-1 ERROR \"50%\"" + fields),
               "2:20: '%' in the text is no conversion; a percent sign is written %%\n");
-    EXPECT_EQ(problems_of(head + "message 90-1 ERROR \"50%% %s %-5.2f %2$lu\"" + fields), "");
+    EXPECT_EQ(problems_of(head + "message 90-1 ERROR \"50%% %s %-5.2f %lu\"" + fields), "");
+}
+
+TEST(ComMsgMgrFile, argumentsHaveOneTypeAndNoneIsLeftOut) {
+    const auto fault = [](const std::string& text) {
+        return problems_of(head + "message 90-1 ERROR \"" + text + "\"" + fields);
+    };
+    EXPECT_EQ(fault("%2$s %1$d %1$5u"), "");
+    EXPECT_EQ(fault("%1$s and %1$d"),
+              "2:20: the argument 1 stands in the text with two types that do not go together\n");
+    EXPECT_EQ(fault("%1$s and %s"), "2:20: the text numbers some of its conversions and not the others\n");
+    EXPECT_EQ(fault("%1$s and %3$s"), "2:20: the text leaves out the argument 2\n");
+    EXPECT_EQ(fault("%0$s"), "2:20: '%0$s' has no sound number of an argument; they count from 1\n");
+    EXPECT_EQ(fault("%99999999999$s"),
+              "2:20: '%99999999999$s' has no sound number of an argument; they count from 1\n");
+}
+
+TEST(ComMsgMgrFile, allFaultsOfOneMessageAreTold) {
+    EXPECT_EQ(problems_of(head + "message 17-1 EROR \"%q and %y\"" + fields),
+              "2:9: a message number of this subsystem looks like 90-153, not '17-1'\n"
+              "2:14: a severity is ERROR, CRITICAL_WARNING, WARNING, INFO, STATUS or ADVISORY, not 'EROR'\n"
+              "2:19: '%q' in the text is no conversion; a percent sign is written %%\n"
+              "2:19: '%y' in the text is no conversion; a percent sign is written %%\n");
+}
+
+TEST(ComMsgMgrFile, aMessageThatStandsThereTwiceIsTold) {
+    EXPECT_EQ(problems_of(head + "message 90-1 ERROR \"x\"" + fields + "message 90-1 INFO \"y\"" + fields),
+              "3:9: the message '90-1' stands in the file already\n");
+}
+
+TEST(ComMsgMgrFile, bytesThatAreNoTextAreToldOncePerLine) {
+    EXPECT_EQ(problems_of(head + "# \xe4 \xf6\nmessage 90-1 ERROR \"\xc3\xa4 \xff\"" + fields +
+                          std::string("#\0", 2)),
+              "2:3: the byte 0xE4 is no text in UTF-8\n"
+              "3:23: the byte 0xFF is no text in UTF-8\n"
+              "4:2: the byte 0x00 is no text in UTF-8\n");
+    EXPECT_EQ(problems_of("\xEF\xBB\xBF" + head), "");
+    EXPECT_NE(problems_of(std::string("\xff\xfes\0u\0b\0", 8)), "");
+}
+
+TEST(ComMsgMgrFile, aTextThatBeginsWithAnOpenStringIsAFaultAndNoCrash) {
+    EXPECT_EQ(problems_of("\"open"), "1:1: the string that begins here is not closed\n");
+}
+
+TEST(ComMsgMgrFile, anEntryThatIsCutOffIsTold) {
+    EXPECT_EQ(problems_of(head + "message 90-1"), "2:13: the file ends where a severity is expected\n");
+    EXPECT_EQ(problems_of(head + "message 90-1 ERROR"),
+              "2:19: the file ends where the message's text in double quotes is expected\n");
 }
 
 TEST(ComMsgMgrFile, oneFaultDoesNotHideTheMessagesBehindIt) {
@@ -131,7 +178,7 @@ TEST_F(ComMsgMgrFileInstalled, parseReportsEachFault) {
     write_file(dir.path("a.msg"), head + "mesage\nmessage 90-1 ERROR \"x\"" + fields + "message 90-1\n");
     ComMsgMgrFile file("", dir.path("a.msg"));
     EXPECT_FALSE(file.parse());
-    ASSERT_EQ(console->texts().size(), 2u);
+    ASSERT_EQ(console->texts().size(), 3u);
     EXPECT_EQ(console->texts()[0],
               "ERROR: [Common 17-5151] The message file '" + dir.path("a.msg") +
                   "' has a fault in line 2, column 1: 'subsystem' or 'message' is expected here, "
@@ -155,11 +202,12 @@ TEST_F(ComMsgMgrFileInstalled, aFaultInAnInstalledFileIsToldOnceAndTheRestWorks)
     ComMsgMgr::sendMsg(ComMsgMgrInstance("broken", M::MSGTYPE_ERROR, "@91-1@"));
     ComMsgMgr::sendMsg(ComMsgMgrInstance("broken", M::MSGTYPE_ERROR, "@91-2@"));
     ComMsgMgr::sendMsg(ComMsgMgrInstance("broken", M::MSGTYPE_ERROR, "@91-3@"));
-    ASSERT_EQ(console->texts().size(), 4u) << console->all();
+    ASSERT_EQ(console->texts().size(), 5u) << console->all();
     EXPECT_EQ(console->texts()[0], "ERROR: [Broken 91-1] Sound.\n");
     EXPECT_NE(console->texts()[1].find("broken.msg' has a fault in line 3, column 14"), std::string::npos);
-    EXPECT_EQ(console->texts()[2], "ERROR: [Broken 91-2] No text is installed for this message.\n");
-    EXPECT_EQ(console->texts()[3], "ERROR: [Broken 91-3] No text is installed for this message.\n");
+    EXPECT_NE(console->texts()[2].find("broken.msg' has a fault in line 4, column 1"), std::string::npos);
+    EXPECT_EQ(console->texts()[3], "ERROR: [Broken 91-2] No text is installed for this message.\n");
+    EXPECT_EQ(console->texts()[4], "ERROR: [Broken 91-3] No text is installed for this message.\n");
 }
 
 } // namespace

@@ -302,7 +302,7 @@ TEST_F(ComMsgMgrTest, messagesAreKeptForQueriesWhenAsked) {
 
 TEST_F(ComMsgMgrTest, shownMessagesAreRecordedInAFile) {
     TempDir dir;
-    M::init(M::MSGCACHE_OFF, dir.path("record"));
+    M::init(M::MSGCACHE_LATEST, dir.path("record"));
     M::sendMsg("trial", M::MSGTYPE_ERROR, "@90-2@%s\n", "a\tb\\\n");
     send(M::MSGTYPE_OUTPUT, "line");
     M::uninit();
@@ -312,7 +312,7 @@ TEST_F(ComMsgMgrTest, shownMessagesAreRecordedInAFile) {
 
 TEST_F(ComMsgMgrTest, aRecordThatCannotBeWrittenIsToldAndTheSessionGoesOn) {
     try {
-        M::init(M::MSGCACHE_OFF, "/nonexistent/dir/record");
+        M::init(M::MSGCACHE_LATEST, "/nonexistent/dir/record");
         FAIL() << "nothing thrown";
     } catch (const ComMsgMgrInstance& message) {
         EXPECT_EQ(message.line(), "ERROR: [Common 17-5152] The messages cannot be recorded in the file "
@@ -320,7 +320,7 @@ TEST_F(ComMsgMgrTest, aRecordThatCannotBeWrittenIsToldAndTheSessionGoesOn) {
     }
     M::sendMsg("trial", M::MSGTYPE_INFO, "@90-1@\n");
     EXPECT_EQ(console->texts().size(), 1u);
-    M::init(M::MSGCACHE_OFF, "/dev/full");
+    M::init(M::MSGCACHE_LATEST, "/dev/full");
     M::sendMsg("trial", M::MSGTYPE_INFO, "@90-1@\n");
     M::uninit();
     EXPECT_NE(

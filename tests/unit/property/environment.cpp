@@ -10,7 +10,7 @@ class Environment : public ::testing::Environment {
 public:
     void SetUp() override {
         Tcl_FindExecutable(nullptr);
-        ComMsgMgr::init(ComMsgMgr::MSGCACHE_OFF, "");
+        ComMsgMgr::init(ComMsgMgr::MSGCACHE_LATEST, "");
     }
     void TearDown() override { ComMsgMgr::uninit(); }
 };

@@ -22,7 +22,7 @@ TaskTest::TaskTest() {
         return true;
     }();
     static_cast<void>(ready);
-    ComMsgMgr::init(ComMsgMgr::MSGCACHE_OFF, "");
+    ComMsgMgr::init(ComMsgMgr::MSGCACHE_LATEST, "");
     ComMsgMgr::setSink(ComMsgMgr::Destination::console, console);
     interp = Tcl_CreateInterp();
     HTCTclInterp::registerInterp(interp);

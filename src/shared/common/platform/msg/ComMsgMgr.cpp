@@ -15,9 +15,14 @@
 #include "platform/env/HSTStringUtils.h"
 #include "platform/msg/ComMsgMgrFile.h"
 #include "platform/msg/ComMsgMgrProjIface.h"
+#include "platform/msg/detail/MsgDb.h"
 #include "platform/msg/detail/MsgDelivery.h"
 #include "platform/msg/detail/MsgIds.h"
+#include "platform/msg/detail/MsgRedirects.h"
 #include "platform/msg/detail/MsgSource.h"
+#include "platform/msg/detail/RuleFile.h"
+#include "platform/msg/detail/RuleStore.h"
+#include "platform/msg/detail/RuleText.h"
 #include "platform/param/HPAParamMgr.h"
 
 namespace {
@@ -78,6 +83,9 @@ struct HeldError {
     std::size_t bytes() const { return line.size() + (message ? message->bytes() : 0); }
 };
 
+/// What is kept of each message for queries.
+enum class Caching { none, lines, whole };
+
 struct Help {
     std::string words, description, resolution;
 };
@@ -90,11 +98,14 @@ struct State {
 
     std::atomic<bool> echo{true};
     std::atomic<bool> issuedError{false};
-    std::atomic<bool> caching{false};
+    std::atomic<Caching> caching{Caching::none};
     std::atomic<bool> translating{false};
     std::atomic<bool> stamping{false};
     std::atomic<bool> limiting{true};
+    std::atomic<bool> tracingInDetail{false};
+    std::atomic<bool> maskingErrors{false};
     std::atomic<int> visibility{0};
+    std::atomic<int> verbosity{0};
     std::atomic<ComMsgMgr::OperatingMode> modes{ComMsgMgr::MODE_DEFAULT};
     std::array<SeverityCount, severities.size()> bySeverity;
 
@@ -104,6 +115,8 @@ struct State {
     std::unordered_set<std::size_t> issued; // hashes of the ERROR lines shown
     std::map<std::string, int, std::less<>> scopes;
     std::map<std::string, Help, std::less<>> help; // given by senders, by id
+    std::map<std::string, std::string, std::less<>> checkFamilies{
+        {"ADRC", "DRC"}, {"CDC", "CDC"}, {"DRC", "DRC"}, {"ERC", "ERC"}}; // of design rule checks, by prefix
     ComMsgMgrSrcHandle current;
 
     static State& get() {
@@ -124,6 +137,10 @@ struct State {
         }
     }
 };
+
+/// What kept messages may take.
+constexpr std::size_t little_memory = std::size_t(32) << 20;
+constexpr std::size_t much_memory = std::size_t(256) << 20;
 
 /// The limit of an id that has none of its own.
 unsigned default_limit() {
@@ -182,6 +199,28 @@ void remember_help(std::string_view id, std::string_view words, const std::strin
                                 Help{std::string(without_line_end(words)), description, resolution});
 }
 
+/// Appends description and resolution of a message to its line, as far as the verbosity asks for them.
+void append_details(std::string& line, std::string_view id, const ComMsgMgrInstance& message) {
+    Help help{{}, message.getDescription(), message.getResolution()};
+    State& state = State::get();
+    if (help.description.empty() && help.resolution.empty()) {
+        std::lock_guard lock(state.mutex);
+        if (const auto found = state.help.find(id); found != state.help.end())
+            help = found->second;
+    }
+    if (!help.description.empty())
+        line.append("    Description: ").append(help.description).append(1, '\n');
+    if (!help.resolution.empty() && state.verbosity > 1)
+        line.append("    Resolution: ").append(help.resolution).append(1, '\n');
+}
+
+/// What stands behind severity and id in a shown line.
+std::string_view text_of(std::string_view line, Mask mask, std::string_view id) {
+    const std::string_view word = head_word(mask);
+    const std::size_t size = word.empty() ? 0 : word.size() + 2 + (id.empty() ? 0 : id.size() + 3);
+    return without_line_end(line.substr(line.starts_with(word) ? size : 0));
+}
+
 std::string help_text(std::string_view id, const Help& help) {
     std::string text = '[' + std::string(id) + "] " + help.words + '\n';
     if (!help.description.empty())
@@ -194,7 +233,8 @@ std::string help_text(std::string_view id, const Help& help) {
 } // namespace
 
 void ComMsgMgr::init(MsgCache cache, const std::string& file) {
-    State::get().caching = cache == MSGCACHE_ON;
+    com_msg_mgr::session_source().setLimit(cache == MSGCACHE_ON ? much_memory : little_memory);
+    State::get().caching = cache == MSGCACHE_ON ? Caching::whole : Caching::lines;
     std::string failure, incomplete;
     try {
         incomplete = com_msg_mgr::set_record(file);
@@ -210,11 +250,14 @@ void ComMsgMgr::init(MsgCache cache, const std::string& file) {
 
 void ComMsgMgr::uninit() {
     State& state = State::get();
+    ComMsgMgrProjIface::closeProject();
     com_msg_mgr::release_all_threads();
     if (const std::string incomplete = com_msg_mgr::set_record(""); !incomplete.empty())
         sendMsg("common", MSGTYPE_WARNING, "@17-5154@%s\n", incomplete);
     com_msg_mgr::set_sink(static_cast<std::size_t>(Destination::console), nullptr);
     com_msg_mgr::set_all_to_console(false);
+    com_msg_mgr::RuleStore::get().removeAll();
+    com_msg_mgr::MsgRedirects::get().removeAll();
     com_msg_mgr::for_each_id([](IdRecord& id) {
         id.reset_count();
         id.limit = IdRecord::no_limit_of_its_own;
@@ -233,14 +276,19 @@ void ComMsgMgr::uninit() {
         state.help.clear();
         state.current = ComMsgMgrSrcHandle();
     }
-    ComMsgMgrSrcHandle().source().clear();
+    com_msg_mgr::close_all_dbs();
+    com_msg_mgr::session_source().clear();
+    com_msg_mgr::forget_sources();
     state.echo = true;
     state.issuedError = false;
-    state.caching = false;
+    state.caching = Caching::none;
     state.translating = false;
     state.stamping = false;
     state.limiting = true;
     state.visibility = 0;
+    state.verbosity = 0;
+    state.tracingInDetail = false;
+    state.maskingErrors = false;
     state.modes = MODE_DEFAULT;
     ComMsgMgrDb::clear();
     com_msg_mgr::forget_keys();
@@ -270,7 +318,10 @@ ComMsgMgr::Ticket ComMsgMgr::admit(std::string_view subsystem, MsgMask mask, std
     if (counts && isQuiet())
         return {Admission::unseen};
     const com_msg_mgr::KeyRecord& key = com_msg_mgr::key_record(subsystem, number);
-    return {counts ? count(mask, key.id) : Admission::show, key.id, &key};
+    Ticket ticket{Admission::show, mask, key.id, &key};
+    if (counts)
+        judge(ticket, mask, nullptr);
+    return ticket;
 }
 
 ComMsgMgr::Ticket ComMsgMgr::admitText(MsgMask mask, std::string_view id) {
@@ -280,7 +331,45 @@ ComMsgMgr::Ticket ComMsgMgr::admitText(MsgMask mask, std::string_view id) {
     if (counts && isQuiet())
         return {Admission::unseen};
     IdRecord* const record = id.empty() ? nullptr : &com_msg_mgr::id_record(id);
-    return {counts ? count(mask, record) : Admission::show, record};
+    Ticket ticket{Admission::show, mask, record};
+    if (counts)
+        judge(ticket, mask, nullptr);
+    return ticket;
+}
+
+/// Says what becomes of a message with a severity, and counts it, unless rules have to see its text first.
+void ComMsgMgr::judge(Ticket& ticket, MsgMask mask, const std::string_view* text) {
+    using com_msg_mgr::RuleStore;
+    const MsgMask severity = severities[severity_index(mask)].mask;
+    RuleStore::Judgement verdict{RuleStore::Judgement::pass, severity};
+    if (const RuleStore& rules = RuleStore::get(); rules.mayTouch(ticket.id, severity))
+        verdict = rules.judge(ticket.id, severity, text);
+    switch (verdict.what) {
+    case RuleStore::Judgement::needs_text:
+        ticket.admission = Admission::undecided;
+        return;
+    case RuleStore::Judgement::suppressed:
+        ticket.admission = Admission::suppressed;
+        return;
+    default:
+        break;
+    }
+    if (verdict.severity != severity) {
+        ticket.type = (mask & ~MSGTYPE_SEVERITIES) | verdict.severity;
+        ticket.before = mask;
+    }
+    ticket.admission = count(ticket.type, ticket.id);
+    const bool limiting = s_verboseDepth == 0 && State::get().limiting.load(std::memory_order_relaxed);
+    if (verdict.what == RuleStore::Judgement::over_limit && limiting && ticket.isShown())
+        ticket.admission = Admission::stopped_by_limit;
+}
+
+/// Has the rules judge an undecided message by its text. False if there is nothing more to do with it.
+bool ComMsgMgr::decide(Ticket& ticket, MsgMask mask, std::string_view text) {
+    const std::string_view judged = without_line_end(text);
+    if (ticket.admission == Admission::undecided)
+        judge(ticket, mask, &judged);
+    return ticket.isWanted();
 }
 
 void ComMsgMgr::noticeLimit(const IdRecord& id) {
@@ -289,27 +378,64 @@ void ComMsgMgr::noticeLimit(const IdRecord& id) {
         sendMsg("common", MSGTYPE_INFO, "@17-5153@%s%u\n", id.id, limit);
 }
 
+/// Keeps a message for queries, and in the open databases.
 template <class MakeInstance>
-void ComMsgMgr::conclude(const Ticket& ticket, MsgMask mask, std::string_view line,
-                         const MakeInstance& makeInstance) {
+void ComMsgMgr::keep(const Ticket& ticket, std::string_view line, const MakeInstance& makeInstance) {
+    const Caching caching = State::get().caching.load(std::memory_order_relaxed);
+    const bool isShown = ticket.isShown();
+    if (caching == Caching::whole) {
+        auto kept = std::make_shared<ComMsgMgrInstance>(makeInstance());
+        kept->setSuppressed(!isShown);
+        com_msg_mgr::session_source().add(std::move(kept));
+    }
+    const bool recording = com_msg_mgr::is_any_db_open();
+    if (caching != Caching::lines && !recording)
+        return;
+    const std::string_view id = ticket.id ? std::string_view(ticket.id->id) : std::string_view();
+    const std::string hiddenText = isShown ? std::string() : makeInstance().text();
+    const com_msg_mgr::MessageLine kept{ticket.type,
+                                        ticket.before ? ticket.before : ticket.type,
+                                        ticket.id,
+                                        ticket.key ? std::string_view(ticket.key->subsystem)
+                                                   : ticket.subsystem,
+                                        isShown ? text_of(line, ticket.type, id) : hiddenText,
+                                        !isShown};
+    if (caching == Caching::lines)
+        com_msg_mgr::session_source().add(kept);
+    if (recording)
+        com_msg_mgr::add_to_dbs(kept);
+}
+
+template <class MakeInstance>
+void ComMsgMgr::conclude(const Ticket& ticket, std::string_view line, const MakeInstance& makeInstance) {
     State& state = State::get();
+    const MsgMask mask = ticket.type;
     const bool shown = ticket.isShown();
+    const bool hidden =
+        ticket.admission == Admission::hidden_by_mode || ticket.admission == Admission::suppressed;
+    const auto instance = [&] {
+        ComMsgMgrInstance message = makeInstance();
+        message.setType(mask);
+        return message;
+    };
     if (mask & MSGTYPE_ERROR) {
         HeldError error{0, nullptr, std::string(without_line_end(line))};
         if (!shown)
-            error.message = std::make_shared<const ComMsgMgrInstance>(makeInstance());
+            error.message = std::make_shared<const ComMsgMgrInstance>(instance());
         std::lock_guard lock(state.mutex);
         error.ordinal = ++s_errorCount;
         state.noteError(std::move(error), without_line_end(line));
     }
-    if (state.caching.load(std::memory_order_relaxed) &&
-        (shown || ticket.admission == Admission::hidden_by_mode)) {
-        auto kept = std::make_shared<ComMsgMgrInstance>(makeInstance());
-        kept->setSuppressed(!shown);
-        ComMsgMgrSrcHandle().source().add(std::move(kept));
-    }
+    if (shown || hidden)
+        keep(ticket, line, instance);
     const std::string_view id = ticket.id ? std::string_view(ticket.id->id) : std::string_view();
-    if (shown && state.stamping.load(std::memory_order_relaxed)) {
+    if (shown && !id.empty() && state.verbosity.load(std::memory_order_relaxed) > 0) {
+        std::string detailed(line);
+        if (state.stamping.load(std::memory_order_relaxed))
+            stamp(detailed, mask);
+        append_details(detailed, id, instance());
+        com_msg_mgr::deliver(mask, id, detailed);
+    } else if (shown && state.stamping.load(std::memory_order_relaxed)) {
         std::string stamped(line);
         stamp(stamped, mask);
         com_msg_mgr::deliver(mask, id, stamped);
@@ -320,20 +446,29 @@ void ComMsgMgr::conclude(const Ticket& ticket, MsgMask mask, std::string_view li
     }
 }
 
-void ComMsgMgr::emit(const Ticket& ticket, MsgMask mask, std::string_view key,
+void ComMsgMgr::emit(Ticket ticket, MsgMask mask, std::string_view key,
                      std::span<const com_msg_mgr::ArgView> args) {
+    const auto append_text = [&](std::string& out) {
+        const bool translate = ticket.key->translated && isMsgXlationOn();
+        if (const std::string* words = translate ? ticket.key->translated : ticket.key->words)
+            com_msg_mgr::append_words(out, *words, args);
+        else
+            com_msg_mgr::append_missing(out, args);
+    };
+    std::string text;
+    if (ticket.admission == Admission::undecided) {
+        append_text(text);
+        if (!decide(ticket, mask, text))
+            return;
+    }
     std::string line;
     if (ticket.isShown()) {
         line.reserve(240);
-        appendHead(line, mask, ticket.id->id);
-        const bool translate = ticket.key->translated && isMsgXlationOn();
-        if (const std::string* words = translate ? ticket.key->translated : ticket.key->words)
-            com_msg_mgr::append_words(line, *words, args);
-        else
-            com_msg_mgr::append_missing(line, args);
+        appendHead(line, ticket.type, ticket.id->id);
+        text.empty() ? append_text(line) : void(line += text);
         line += '\n';
     }
-    conclude(ticket, mask, line, [&] {
+    conclude(ticket, line, [&] {
         std::vector<ComMsgMgrArg> owned;
         for (const com_msg_mgr::ArgView& arg : args)
             owned.push_back(std::visit([](const auto& value) { return com_msg_mgr::to_arg(value); }, arg));
@@ -341,18 +476,19 @@ void ComMsgMgr::emit(const Ticket& ticket, MsgMask mask, std::string_view key,
     });
 }
 
-void ComMsgMgr::emitText(const Ticket& ticket, MsgMask mask, std::string_view text) {
+void ComMsgMgr::emitText(Ticket ticket, MsgMask mask, std::string_view text) {
+    if (!decide(ticket, mask, text))
+        return;
     std::string line;
     if (ticket.isShown()) {
         const std::string_view id = ticket.id->id;
         line.reserve(id.size() + text.size() + 24);
-        appendHead(line, mask, id);
+        appendHead(line, ticket.type, id);
         line += text;
         if (!text.ends_with('\n'))
             line += '\n';
     }
-    conclude(ticket, mask, line,
-             [&] { return ComMsgMgrInstance::fromText("common", mask, ticket.id->id, text); });
+    conclude(ticket, line, [&] { return ComMsgMgrInstance::fromText("common", mask, ticket.id->id, text); });
 }
 
 void ComMsgMgr::sendMsg(const ComMsgMgrInstance& message) {
@@ -360,34 +496,51 @@ void ComMsgMgr::sendMsg(const ComMsgMgrInstance& message) {
     const std::string ownId = message.number().empty() ? message.id() : std::string();
     Ticket ticket = message.number().empty() ? admitText(mask, ownId)
                                              : admit(message.subsystem(), mask, message.number());
+    if (ticket.admission == Admission::undecided)
+        decide(ticket, mask, message.text());
     if (ticket.isShown() && !(message.displayInModes() & State::get().modes))
         ticket.admission = Admission::hidden_by_mode;
-    if (!ticket.isWanted(mask))
+    if (!ticket.isWanted())
         return;
+    ticket.subsystem = message.subsystem();
     if (!ownId.empty())
         remember_help(ownId, message.text(), message.getDescription(), message.getResolution());
-    conclude(ticket, mask, ticket.isShown() ? message.getMessage() : std::string(), [&] { return message; });
+    std::string line;
+    if (ticket.isShown() && ticket.type == mask) {
+        line = message.getMessage();
+    } else if (ticket.isShown()) {
+        ComMsgMgrInstance changed = message;
+        changed.setType(ticket.type);
+        line = changed.getMessage();
+    }
+    conclude(ticket, line, [&] { return message; });
 }
 
 void ComMsgMgr::sendMsgString(const std::string& subsystem, MsgMask mask, std::string_view text) {
     if (text.empty())
         return;
-    const Ticket ticket = admitText(mask, {});
-    if (!ticket.isWanted(mask))
+    Ticket ticket = admitText(mask, {});
+    ticket.subsystem = subsystem;
+    if (!decide(ticket, mask, text))
         return;
 
     std::string made;
     if (const std::size_t severity = severity_index(mask); severity != no_severity) {
         const std::string_view word = severities[severity].word;
-        if (!text.starts_with(word) || !text.substr(word.size()).starts_with(": "))
-            made.append(word).append(": ");
+        const bool told = text.starts_with(word) && text.substr(word.size()).starts_with(": ");
+        if (ticket.type != mask)
+            appendHead(made, ticket.type, {});
+        else if (!told)
+            appendHead(made, mask, {});
+        if (ticket.type != mask && told)
+            text.remove_prefix(word.size() + 2);
     }
     if (!made.empty() || text.back() != '\n') {
         made += text;
         if (made.back() != '\n')
             made += '\n';
     }
-    conclude(ticket, mask, made.empty() ? text : made,
+    conclude(ticket, made.empty() ? text : made,
              [&] { return ComMsgMgrInstance::fromText(subsystem, mask, {}, text); });
 }
 
@@ -405,7 +558,7 @@ void ComMsgMgr::sendMsgById(std::string_view prefix, int number, MsgMask mask, s
     } else {
         id = longId.append(prefix).append(1, '-').append(digits, size);
     }
-    if (const Ticket ticket = admitText(mask, id); ticket.isWanted(mask))
+    if (const Ticket ticket = admitText(mask, id); ticket.isWanted())
         emitText(ticket, mask, text);
 }
 
@@ -414,7 +567,7 @@ void ComMsgMgr::sendFormattedMsg(const char*, int, std::string_view ssname, MsgM
                                  const std::string& resolution) {
     const std::string id = std::string(ssname) + ' ' + std::string(gid);
     const Ticket ticket = admitText(mask, id);
-    if (!ticket.isWanted(mask))
+    if (!ticket.isWanted())
         return;
     remember_help(id, text, description, resolution);
     emitText(ticket, mask, text);
@@ -423,8 +576,12 @@ void ComMsgMgr::sendFormattedMsg(const char*, int, std::string_view ssname, MsgM
 void ComMsgMgr::sendScopedMsg(std::string_view scope, MsgMask mask, std::string_view text) {
     if (hasScope(scope) < static_cast<int>(mask & 0xF) && !is_visible(mask))
         return;
-    const std::string line = std::string(text) + (text.ends_with('\n') ? "" : "\n");
-    conclude({Admission::show}, mask, line,
+    std::string line;
+    if (State::get().tracingInDetail)
+        line = "TRACE: [" + std::string(scope) + ", level " + std::to_string(mask & 0xF) + ", thread " +
+               std::to_string(com_msg_mgr::thread_number()) + "] ";
+    line.append(text).append(text.ends_with('\n') ? "" : "\n");
+    conclude({Admission::show, mask}, line,
              [&] { return ComMsgMgrInstance::fromText("common", mask, {}, text); });
 }
 
@@ -533,6 +690,30 @@ void ComMsgMgr::resetScope() {
     state.scopes.clear();
 }
 
+void ComMsgMgr::setVerbosity(int level) {
+    State::get().verbosity = level;
+}
+int ComMsgMgr::getVerbosity() {
+    return State::get().verbosity;
+}
+
+void ComMsgMgr::setTraceVerbosity() {
+    State::get().tracingInDetail = true;
+}
+void ComMsgMgr::resetTraceVerbosity() {
+    State::get().tracingInDetail = false;
+}
+bool ComMsgMgr::getTraceVerbosity() {
+    return State::get().tracingInDetail;
+}
+
+void ComMsgMgr::maskMsgMgrErrors() {
+    State::get().maskingErrors = true;
+}
+bool ComMsgMgr::areMsgMgrErrorsMasked() {
+    return State::get().maskingErrors;
+}
+
 bool ComMsgMgr::isMsgXlationOn() {
     return State::get().translating;
 }
@@ -570,6 +751,7 @@ std::string ComMsgMgr::firstErrorLineSince(std::uint64_t count) {
 
 void ComMsgMgr::beginCommand() {
     State& state = State::get();
+    com_msg_mgr::save_changed_rules();
     for (SeverityCount& severity : state.bySeverity)
         severity.sentAtCommand = severity.sent.load();
     std::lock_guard lock(state.mutex);
@@ -617,12 +799,15 @@ void ComMsgMgr::resetMsgCount(const std::string& pattern) {
     });
 }
 
-void ComMsgMgr::resetAllMsgCounts(bool ids, bool bySeverity) {
+void ComMsgMgr::resetAllMsgCounts(bool ids, bool bySeverity, bool rules) {
     if (ids)
         com_msg_mgr::for_each_id([](IdRecord& id) { id.reset_count(); });
     if (bySeverity)
         for (SeverityCount& severity : State::get().bySeverity)
             severity.count = 0;
+    if (rules)
+        for (const auto& [ruleId, rule] : com_msg_mgr::RuleStore::get().all())
+            rule->count = 0;
 }
 
 void ComMsgMgr::setLifetimeErrorCount(unsigned count) {
@@ -662,6 +847,20 @@ void ComMsgMgr::resetMsgLimit(MsgMask severity) {
             State::get().bySeverity[i].limit = IdRecord::no_limit_of_its_own;
 }
 
+std::string ComMsgMgr::matchesDRCPrefix(std::string_view id) {
+    id = com_msg_mgr::without_brackets(id);
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    const auto found = state.checkFamilies.find(id.substr(0, id.find_first_of(" -")));
+    return found == state.checkFamilies.end() ? std::string() : found->second;
+}
+
+void ComMsgMgr::addDRCPrefix(const std::string& prefix, const std::string& family) {
+    State& state = State::get();
+    std::lock_guard lock(state.mutex);
+    state.checkFamilies.insert_or_assign(prefix, family);
+}
+
 void ComMsgMgr::disableMsgLimitCheck() {
     State::get().limiting = false;
 }
@@ -677,14 +876,90 @@ std::vector<std::shared_ptr<const ComMsgMgrInstance>> ComMsgMgr::getMessages(Msg
 
 void ComMsgMgr::getMessages(std::vector<std::shared_ptr<const ComMsgMgrInstance>>& list,
                             const ComMsgMgrSrcHandle& source, MsgMask mask) {
-    source.source().get(list, mask);
+    forEachMessage(source, mask, [&list](const auto& message) { list.push_back(message); });
+}
+
+void ComMsgMgr::forEachMessage(
+    const ComMsgMgrSrcHandle& source, MsgMask mask,
+    const std::function<void(const std::shared_ptr<const ComMsgMgrInstance>&)>& visit) {
+    source.source().visit(mask, visit);
 }
 
 void ComMsgMgr::turnOnMsgCache() {
-    State::get().caching = true;
+    com_msg_mgr::session_source().setLimit(much_memory);
+    State::get().caching = Caching::whole;
 }
 void ComMsgMgr::turnOffMsgCache() {
-    State::get().caching = false;
+    State::get().caching = Caching::none;
+}
+
+void ComMsgMgr::createMsgDb(const std::string& file) {
+    com_msg_mgr::create_db(file);
+}
+void ComMsgMgr::closeMsgDb(const std::string& file) {
+    com_msg_mgr::close_db(file);
+}
+bool ComMsgMgr::isMsgDb(const std::string& file) {
+    return com_msg_mgr::is_db(file);
+}
+ComMsgMgrSrcHandle ComMsgMgr::loadMsgSrc(const std::string& file, const std::string& name) {
+    return com_msg_mgr::load_db(file, name);
+}
+void ComMsgMgr::noteCommand(std::string_view command) {
+    com_msg_mgr::note_db_command(command);
+}
+
+std::string ComMsgMgr::getSrcHandleStatistics(unsigned handle, MsgMask mask, bool dump) {
+    std::vector<ComMsgMgrSrcHandle> handles;
+    getRootMsgSrcHandle().getMsgMgrHandles(handles);
+    std::string text;
+    for (std::size_t i = 0; i < handles.size(); ++i) {
+        if (handle != UINT_MAX && handle != i)
+            continue;
+        std::array<std::size_t, severities.size() + 1> counts{}; // lines without a severity come last
+        forEachMessage(handles[i], mask, [&](const auto& message) {
+            ++counts[severity_index(message->getType())];
+            if (dump)
+                writeToConsole(message->getMessage());
+        });
+        text += (text.empty() ? "" : "\n") + std::to_string(i) + ' ' + handles[i].name() + ':';
+        for (std::size_t severity = 0; severity < severities.size(); ++severity)
+            text +=
+                ' ' + std::string(severities[severity].word) + ' ' + std::to_string(counts[severity]) + ',';
+        text += " other lines " + std::to_string(counts.back());
+    }
+    return text;
+}
+
+void ComMsgMgr::showStatistics() {
+    constexpr std::size_t most = 20;
+    State& state = State::get();
+    std::string text = "Messages sent by severity:\n";
+    for (std::size_t i = 0; i < severities.size(); ++i)
+        text += "    " + std::string(severities[i].word) + ": " + std::to_string(state.bySeverity[i].count) +
+                '\n';
+    std::vector<std::pair<unsigned, std::string>> ids;
+    com_msg_mgr::for_each_id([&ids](const IdRecord& id) {
+        if (id.count > 0)
+            ids.emplace_back(id.count, id.id);
+    });
+    const std::size_t listed = std::min(most, ids.size());
+    std::partial_sort(ids.begin(), ids.begin() + static_cast<std::ptrdiff_t>(listed), ids.end(),
+                      [](const auto& a, const auto& b) {
+                          return a.first != b.first ? a.first > b.first : a.second < b.second;
+                      });
+    text += "Ids that came most often, of " + std::to_string(ids.size()) + ":\n";
+    for (std::size_t i = 0; i < listed; ++i)
+        text += "    " + ids[i].second + ": " + std::to_string(ids[i].first) + '\n';
+    text += "Memory of kept messages: " + std::to_string(com_msg_mgr::session_source().bytes()) + " bytes\n";
+    text += "Open message databases:\n";
+    for (const com_msg_mgr::OpenDb& db : com_msg_mgr::open_dbs())
+        text += "    " + db.path + ": " + std::to_string(db.messages) + '\n';
+    sendMsgString("common", MSGTYPE_OUTPUT, text);
+}
+
+void ComMsgMgr::writeToConsole(std::string_view text) {
+    com_msg_mgr::write_console(text);
 }
 
 ComMsgMgrSrcHandle ComMsgMgr::getRootMsgSrcHandle() {

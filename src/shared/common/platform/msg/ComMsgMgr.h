@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -34,8 +35,8 @@ struct KeyRecord;
 /// never mix. Counts and switches are atomic; one lock is held while the log and the journal are written, so
 /// that both see one order. No lock is held while the console is written.
 ///
-/// Visibility, operating mode and limits are looked at before a message is formatted: what is not shown costs
-/// little.
+/// Visibility, operating mode, rules (ComMsgMgrRuleIface) and limits are looked at before a message is
+/// formatted: what is not shown costs little. Only a rule that asks for strings has to see the text.
 class ComMsgMgr {
 public:
     using MsgMask = ComMsgMgrMask;
@@ -74,8 +75,22 @@ public:
     /// All six severities.
     static constexpr MsgMask MSGTYPE_SEVERITIES = 0x7E000000;
 
-    /// Whether shown messages are kept in memory for later queries.
-    enum MsgCache { MSGCACHE_OFF = 0, MSGCACHE_ON = 1 };
+    /// Where a message rule comes from.
+    enum RuleSource {
+        ANY_RULE_SOURCE = -1, ///< of queries
+        CREATED_FROM_TCL = 1,
+        CREATED_FROM_OTHER = 2,
+        CREATED_FROM_INTERNAL_CLIENT = 4,
+        GUI_CREATED_FROM_MSG = 8,
+        GUI_CREATED_FROM_RULE = 16,
+        CREATED_FROM_EXTENSION = 32,
+    };
+    /// What a message rule does.
+    enum RuleTypes { SUPPRESS_RULE = 0, SEVERITY_RULE = 1 };
+
+    /// How much memory the messages of the session may take that are kept for later queries: 32 MiB, enough
+    /// for what a script has just done, or 256 MiB.
+    enum MsgCache { MSGCACHE_LATEST = 0, MSGCACHE_ON = 1 };
 
     /// Starts message handling for a session. Calling it again without uninit() between changes the settings.
     /// \param file a file to record every shown message in, empty for none; it is written anew.
@@ -94,7 +109,7 @@ public:
     static void sendMsg(std::string_view subsystem, MsgMask mask,
                         com_msg_mgr::Key<std::type_identity_t<Args>...> key, const Args&... args) {
         const Ticket ticket = admit(subsystem, mask, key.number());
-        if (ticket.isWanted(mask)) {
+        if (ticket.isWanted()) {
             const com_msg_mgr::ArgView views[sizeof...(Args) + 1] = {com_msg_mgr::to_view(args)...};
             emit(ticket, mask, key.text(), {views, sizeof...(Args)});
         }
@@ -150,6 +165,21 @@ public:
     static void removeScope(std::string_view scope);
     static void resetScope();
 
+    /// How much is shown of each message that has an id: 0 its line alone, 1 its description as well, 2 and
+    /// more also its resolution. 0 at the start.
+    static void setVerbosity(int level);
+    static int getVerbosity();
+
+    /// While on, each trace text tells its level, its scope and the number of the thread that sent it. Off at
+    /// the start.
+    static void setTraceVerbosity();
+    static void resetTraceVerbosity();
+    static bool getTraceVerbosity();
+
+    /// From now on the manager keeps to itself what it finds wrong in message files while it looks words up.
+    static void maskMsgMgrErrors();
+    static bool areMsgMgrErrorsMasked();
+
     /// Whether the words of messages are translated to the user's language where the installation has them.
     /// Off at the start.
     static bool isMsgXlationOn();
@@ -170,6 +200,8 @@ public:
 
     /// Tells the manager that a top-level command begins: wasIssued() starts afresh.
     static void beginCommand();
+    /// Tells which command has begun last, at any level; message databases name it with each message.
+    static void noteCommand(std::string_view command);
     /// Whether exactly this ERROR line (line end or not) has been shown since the last beginCommand().
     static bool wasIssued(std::string_view line);
 
@@ -184,7 +216,7 @@ public:
     static unsigned getMsgCount(const std::string& id);
     /// Sets the counts of all ids that match a glob pattern back to 0.
     static void resetMsgCount(const std::string& pattern);
-    static void resetAllMsgCounts(bool ids, bool severities);
+    static void resetAllMsgCounts(bool ids, bool severities, bool rules = false);
     static unsigned getLifetimeErrorCount() { return getMsgCount(MSGTYPE_ERROR); }
     static void setLifetimeErrorCount(unsigned count);
     /// Messages with a severity that were sent since the last beginCommand(). No reset touches this count.
@@ -200,18 +232,27 @@ public:
     static void setMsgLimit(unsigned limit, MsgMask severity);
     static unsigned getMsgLimit(MsgMask severity);
     static void resetMsgLimit(MsgMask severity);
+    /// The family of design rule checks that a message belongs to by the first word of its id, "DRC" for
+    /// "DRC 23-20"; empty for a message of none. Whoever brings checks of its own adds their words.
+    static std::string matchesDRCPrefix(std::string_view id);
+    static void addDRCPrefix(const std::string& prefix, const std::string& family);
+
     /// Whether limits count at all. They do at the start.
     static void disableMsgLimitCheck();
     static void enableMsgLimitCheck();
 
-    /// Messages and texts kept since MSGCACHE_ON, of any bit in the mask, in the order of sending: all that
-    /// was shown, and what the operating mode kept from being shown. Of very many (256 MiB) the oldest are
-    /// given up.
+    /// Messages and texts of the session kept since init(), of any bit in the mask, in the order of sending:
+    /// all that was shown, and what was suppressed. Of more than MsgCache allows the oldest are given up.
     static std::vector<std::shared_ptr<const ComMsgMgrInstance>> getMessages(MsgMask mask);
-    /// The same of one source, appended to the list.
+    /// The same of one source, appended to the list. Throws HEXError if a message database cannot be read.
     static void getMessages(std::vector<std::shared_ptr<const ComMsgMgrInstance>>& list,
                             const ComMsgMgrSrcHandle& source, MsgMask mask);
-    /// Switch the keeping of messages during a session.
+    /// Calls `visit` for each of these messages, without holding those of a file in memory. Throws as
+    /// getMessages().
+    static void
+    forEachMessage(const ComMsgMgrSrcHandle& source, MsgMask mask,
+                   const std::function<void(const std::shared_ptr<const ComMsgMgrInstance>&)>& visit);
+    /// Switch the keeping of messages during a session. On means MSGCACHE_ON, off none at all.
     static void turnOnMsgCache();
     static void turnOffMsgCache();
     /// The session's own messages.
@@ -219,6 +260,30 @@ public:
     /// The source that queries without a source look at; the session's own at the start.
     static ComMsgMgrSrcHandle getCurrentMsgSrcHandle();
     static void setCurrentMsgSrcHandle(const ComMsgMgrSrcHandle& source);
+
+    /// Writes from now on every message that getMessages() would keep into a new message database;
+    /// docs/messages.md tells what is in the file. It is written in batches by a thread of its own and is
+    /// whole up to the last batch whatever happens to the process. A message database of that name is
+    /// replaced; any other file is not. Several may be open. Throws HEXError if the file cannot be made.
+    static void createMsgDb(const std::string& file);
+    /// Completes and closes the database. Throws HEXError if none of that name is open, or if not all
+    /// messages could be written to it.
+    static void closeMsgDb(const std::string& file);
+    /// Whether the file is a message database that can be read here.
+    static bool isMsgDb(const std::string& file);
+    /// Opens a message database as a source; one of its own, still open, is brought up to date before each
+    /// query. The name is what the source is called, empty for the file's. Throws HEXError naming the file
+    /// and what is wrong with it.
+    static ComMsgMgrSrcHandle loadMsgSrc(const std::string& file, const std::string& name);
+
+    /// A line of counts for the source with this number (0 is the session, UINT_MAX stands for all), by
+    /// severity; with `dump` the messages are shown on the console.
+    static std::string getSrcHandleStatistics(unsigned handle, MsgMask severity, bool dump);
+    /// Shows, as output, how many messages were sent, kept and written, and which ids came most often.
+    static void showStatistics();
+
+    /// Shows a text on the console alone: it is neither logged nor kept.
+    static void writeToConsole(std::string_view text);
 
     /// While one lives on a thread, messages with a severity that this thread sends are neither shown nor
     /// counted; plain output is shown. They nest.
@@ -252,33 +317,46 @@ public:
     static void appendHead(std::string& line, MsgMask mask, std::string_view id);
 
 private:
-    enum class Admission { show, stopped_by_limit, first_stopped_by_limit, hidden_by_mode, unseen };
+    enum class Admission {
+        show,
+        stopped_by_limit,
+        first_stopped_by_limit,
+        hidden_by_mode,
+        suppressed,
+        undecided, ///< rules have to see the text
+        unseen
+    };
 
     /// What became of a message before it was formatted.
     struct Ticket {
         Admission admission;
+        MsgMask type = 0;                            ///< the mask, with the severity that rules gave it
         com_msg_mgr::IdRecord* id = nullptr;         ///< null for a text without an id
         const com_msg_mgr::KeyRecord* key = nullptr; ///< null without a key
+        std::string_view subsystem = "common";       ///< of a message without a key
+        MsgMask before = 0;                          ///< the mask that rules have changed, 0 if they have not
 
         bool isShown() const { return admission == Admission::show; }
         /// Whether there is anything to do: an ERROR is noted even when it is not shown.
-        bool isWanted(MsgMask mask) const {
-            return isShown() || admission == Admission::first_stopped_by_limit ||
-                   admission == Admission::hidden_by_mode ||
-                   (admission == Admission::stopped_by_limit && (mask & MSGTYPE_ERROR));
+        bool isWanted() const {
+            return admission != Admission::unseen &&
+                   (admission != Admission::stopped_by_limit || (type & MSGTYPE_ERROR));
         }
     };
 
     /// Counts a message and says whether it is shown. `number` is empty for a text without an id.
     static Ticket admit(std::string_view subsystem, MsgMask mask, std::string_view number);
     static Ticket admitText(MsgMask mask, std::string_view id);
+    static void judge(Ticket& ticket, MsgMask mask, const std::string_view* text);
+    static bool decide(Ticket& ticket, MsgMask mask, std::string_view text);
     static Admission count(MsgMask mask, com_msg_mgr::IdRecord* id);
-    static void emit(const Ticket& ticket, MsgMask mask, std::string_view key,
+    static void emit(Ticket ticket, MsgMask mask, std::string_view key,
                      std::span<const com_msg_mgr::ArgView> args);
-    static void emitText(const Ticket& ticket, MsgMask mask, std::string_view text);
+    static void emitText(Ticket ticket, MsgMask mask, std::string_view text);
     template <class MakeInstance>
-    static void conclude(const Ticket& ticket, MsgMask mask, std::string_view line,
-                         const MakeInstance& makeInstance);
+    static void conclude(const Ticket& ticket, std::string_view line, const MakeInstance& makeInstance);
+    template <class MakeInstance>
+    static void keep(const Ticket& ticket, std::string_view line, const MakeInstance& makeInstance);
     static void noticeLimit(const com_msg_mgr::IdRecord& id);
 
     inline static std::atomic<std::uint64_t> s_errorCount{0};

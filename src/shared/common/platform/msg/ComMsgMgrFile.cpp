@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -14,6 +15,7 @@
 #include "platform/env/HUTEnv.h"
 #include "platform/env/HUTFile.h"
 #include "platform/env/HUTPathUtils.h"
+#include "platform/env/detail/utf8.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/msg/DataFileScanner.h"
 
@@ -21,6 +23,8 @@ namespace {
 
 using Token = DataFileScanner::Token;
 using Entry = ComMsgMgrFile::Entry;
+
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 
 std::string in_quotes(std::string_view text) {
     return '\'' + std::string(text) + '\'';
@@ -34,8 +38,11 @@ std::optional<unsigned> to_unsigned(std::string_view text) {
     return value;
 }
 
-/// The first "%..." of a message text that is no conversion, empty if all are sound.
-std::string bad_conversion(std::string_view text) {
+/// What is wrong with the conversions of a message text, in words that can follow a colon.
+std::vector<std::string> conversion_faults(std::string_view text) {
+    std::vector<std::string> faults;
+    std::map<unsigned, char> kinds; // of the arguments that are numbered: 's', 'c', 'd' or 'f'
+    bool numbered = false, inOrder = false;
     for (std::size_t i = text.find('%'); i < text.size(); i = text.find('%', i)) {
         if (text.substr(i, 2) == "%%") {
             i += 2;
@@ -43,27 +50,84 @@ std::string bad_conversion(std::string_view text) {
         }
         const std::size_t letter =
             std::min(text.find_first_not_of("0123456789$-+ #.hlz", i + 1), text.size());
-        if (letter == text.size() ||
-            std::string_view("scdiuxfge").find(text[letter]) == std::string_view::npos)
-            return std::string(text.substr(i, letter - i + 1));
+        const std::string conversion(text.substr(i, letter - i + 1));
         i = letter + 1;
+        if (letter >= text.size() ||
+            std::string_view("scdiuxfge").find(text[letter]) == std::string_view::npos) {
+            faults.push_back(in_quotes(conversion) +
+                             " in the text is no conversion; a percent sign is written %%");
+            continue;
+        }
+        const std::size_t dollar = conversion.find('$');
+        if (dollar == std::string::npos) {
+            inOrder = true;
+            continue;
+        }
+        numbered = true;
+        const auto argument = to_unsigned(std::string_view(conversion).substr(1, dollar - 1));
+        if (!argument || *argument == 0) {
+            faults.push_back(in_quotes(conversion) +
+                             " has no sound number of an argument; they count from 1");
+            continue;
+        }
+        const char type = conversion.back();
+        const char kind = type == 's' || type == 'c'               ? type
+                          : std::string_view("fge").find(type) < 3 ? 'f'
+                                                                   : 'd';
+        if (const auto [known, isNew] = kinds.emplace(*argument, kind); !isNew && known->second != kind)
+            faults.push_back("the argument " + std::to_string(*argument) +
+                             " stands in the text with two types that do not go together");
     }
-    return {};
+    if (numbered && inOrder)
+        faults.push_back("the text numbers some of its conversions and not the others");
+    if (!kinds.empty() && kinds.rbegin()->first > kinds.size() && !inOrder) {
+        unsigned missing = 1;
+        while (kinds.count(missing))
+            ++missing;
+        faults.push_back("the text leaves out the argument " + std::to_string(missing));
+    }
+    return faults;
 }
 
-/// Recursive descent over the tokens of one file. Faults are thrown as DataFileScanner::Error and end the
-/// statement that they stand in.
+/// The first byte in each line that is no UTF-8, or is NUL.
+std::vector<ComMsgMgrFile::Problem> encoding_faults(std::string_view text) {
+    std::vector<ComMsgMgrFile::Problem> faults;
+    unsigned line = 1, column = 1, toldLine = 0;
+    for (std::size_t i = 0; i < text.size();) {
+        const unsigned char byte = static_cast<unsigned char>(text[i]);
+        const auto [code, size] =
+            byte && byte < 0x80 ? env_detail::utf8_char{byte, 1} : env_detail::utf8_at(text, i);
+        if ((byte == 0 || (code == 0xFFFD && size == 1)) && toldLine != line) {
+            char hex[8];
+            std::snprintf(hex, sizeof hex, "0x%02X", byte);
+            faults.push_back({line, column, std::string("the byte ") + hex + " is no text in UTF-8"});
+            toldLine = line;
+        }
+        i += size;
+        ++column;
+        if (byte == '\n') {
+            ++line;
+            column = 1;
+        }
+    }
+    return faults;
+}
+
+/// Recursive descent over the tokens of one file. Faults after which it is not clear how to go on are thrown
+/// as DataFileScanner::Error and end the statement that they stand in; the others are noted.
 class Parser {
 public:
-    explicit Parser(std::string_view text) : m_scanner(text) {}
+    explicit Parser(std::string_view text)
+        : problems(encoding_faults(text)), m_scanner(text.substr(text.starts_with(byte_order_mark) ? 3 : 0)) {
+    }
 
     std::string subsystem, alias;
     unsigned number = 0;
     std::vector<Entry> entries;
-    std::vector<ComMsgMgrFile::Problem> problems;
+    std::vector<ComMsgMgrFile::Problem> problems; ///< in the order of the file, after run()
 
     void run() {
-        advance();
+        start();
         while (m_token.kind != Token::end) {
             try {
                 statement();
@@ -72,6 +136,9 @@ public:
                 recover();
             }
         }
+        std::stable_sort(problems.begin(), problems.end(), [](const auto& a, const auto& b) {
+            return std::pair(a.line, a.column) < std::pair(b.line, b.column);
+        });
     }
 
 private:
@@ -79,7 +146,21 @@ private:
         throw DataFileScanner::Error(at.line, at.column, what);
     }
 
+    void note(const Token& at, const std::string& what) {
+        problems.push_back({at.line, at.column, what});
+        m_sound = false;
+    }
+
     void advance() { m_token = m_scanner.next(); }
+
+    void start() {
+        try {
+            advance();
+        } catch (const DataFileScanner::Error& error) {
+            problems.push_back({error.line, error.column, error.what()});
+            recover();
+        }
+    }
 
     bool at(std::string_view word) const { return m_token.kind == Token::word && m_token.text == word; }
 
@@ -132,6 +213,7 @@ private:
         const Token keyword = take(Token::word, "'message'");
         if (subsystem.empty())
             fail(keyword, "a 'subsystem' line must stand before the first message");
+        m_sound = true;
         Entry entry;
         entry.line = keyword.line;
         Token id = take(Token::word, "a message number such as 17-153");
@@ -139,8 +221,8 @@ private:
         const Token severity = take(Token::word, "a severity");
         entry.severity = severityOf(severity);
         const Token text = take(Token::string, "the message's text in double quotes");
-        if (const std::string bad = bad_conversion(text.text); !bad.empty())
-            fail(text, in_quotes(bad) + " in the text is no conversion; a percent sign is written %%");
+        for (const std::string& fault : conversion_faults(text.text))
+            note(text, fault);
         entry.number = std::move(id.text);
         entry.text = text.text;
         field("description", entry.description, entry.number);
@@ -148,26 +230,27 @@ private:
         if (at("reserved"))
             advance();
         m_numbers.insert(entry.number);
-        entries.push_back(std::move(entry));
+        if (m_sound)
+            entries.push_back(std::move(entry));
     }
 
-    void checkNumber(const Token& id) const {
+    void checkNumber(const Token& id) {
         const std::size_t dash = id.text.find('-');
         const bool sound = dash != std::string::npos && to_unsigned(id.text.substr(0, dash)) == number &&
                            to_unsigned(id.text.substr(dash + 1));
         if (!sound)
-            fail(id, "a message number of this subsystem looks like " + std::to_string(number) +
+            note(id, "a message number of this subsystem looks like " + std::to_string(number) +
                          "-153, not " + in_quotes(id.text));
         if (m_numbers.count(id.text))
-            fail(id, "the message " + in_quotes(id.text) + " stands in the file already");
+            note(id, "the message " + in_quotes(id.text) + " stands in the file already");
     }
 
-    static ComMsgMgrMask severityOf(const Token& token) {
+    ComMsgMgrMask severityOf(const Token& token) {
         std::string word = token.text;
         std::replace(word.begin(), word.end(), '_', ' ');
         const ComMsgMgrMask mask = ComMsgMgr::msgStr2Type(word);
         if (!mask || mask == ComMsgMgr::MSGTYPE_ANY)
-            fail(token, "a severity is ERROR, CRITICAL_WARNING, WARNING, INFO, STATUS or ADVISORY, not " +
+            note(token, "a severity is ERROR, CRITICAL_WARNING, WARNING, INFO, STATUS or ADVISORY, not " +
                             in_quotes(token.text));
         return mask;
     }
@@ -182,6 +265,7 @@ private:
 
     DataFileScanner m_scanner;
     Token m_token;
+    bool m_sound = true; ///< the entry in work
     std::unordered_set<std::string> m_numbers;
 };
 
@@ -312,7 +396,7 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
     std::shared_ptr<const ComMsgMgrDb> result = position->second;
     lock.unlock();
     // Only now that the subsystem is known: telling of a fault in the file of "common" looks texts up in it.
-    if (isNew) {
+    if (isNew && !ComMsgMgr::areMsgMgrErrorsMasked()) {
         report(head);
         report(translation);
     }
@@ -364,7 +448,8 @@ void ComMsgMgrDb::parseAll() const {
         for (const Entry& entry : whole.entries())
             m_entries.emplace(entry.number, entry);
     }
-    report(whole);
+    if (!ComMsgMgr::areMsgMgrErrorsMasked())
+        report(whole);
 }
 
 const std::string* ComMsgMgrDb::words(std::string_view number, bool translated) const {

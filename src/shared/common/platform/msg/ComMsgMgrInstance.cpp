@@ -30,7 +30,8 @@ std::vector<ComMsgMgrArg> owned(std::vector<std::string> args) {
 
 ComMsgMgrInstance::ComMsgMgrInstance(std::string_view subsystem, ComMsgMgrMask mask, std::string_view key,
                                      std::vector<ComMsgMgrArg> args)
-    : m_subsystem(subsystem), m_mask(mask), m_number(number_of(key)), m_args(std::move(args)) {}
+    : m_subsystem(subsystem), m_mask(mask), m_defaultMask(mask), m_number(number_of(key)),
+      m_args(std::move(args)) {}
 
 ComMsgMgrInstance ComMsgMgrInstance::fromKey(std::string_view subsystem, ComMsgMgrMask mask,
                                              std::string_view key, std::vector<ComMsgMgrArg> args) {

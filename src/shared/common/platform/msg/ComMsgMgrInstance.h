@@ -170,10 +170,12 @@ public:
     OperatingMode displayInModes() const;
 
     const std::string& subsystem() const { return m_subsystem; }
-    /// The severity that the message was made with.
+    /// The severity of the message.
     ComMsgMgrMask getType() const { return m_mask; }
-    /// The severity that the message had before rules changed it.
-    ComMsgMgrMask getDefaultSeverity() const { return m_mask; }
+    /// The severity that the message was made with, before setType() changed it.
+    ComMsgMgrMask getDefaultSeverity() const { return m_defaultMask; }
+    /// Gives the message another severity, as rules do.
+    void setType(ComMsgMgrMask mask) { m_mask = mask; }
     /// Whether the message was kept from being shown by the operating mode.
     bool isSuppressed() const;
     void setSuppressed(bool suppressed);
@@ -213,6 +215,7 @@ private:
 
     std::string m_subsystem;
     ComMsgMgrMask m_mask;
+    ComMsgMgrMask m_defaultMask;
     bool m_ownWords = false;
     std::string m_number; ///< of the key; the whole id of a message with words of its own
     std::string m_words;  ///< of the message's own

@@ -308,7 +308,7 @@ private:
         const std::string record = get_option<std::string>("messageDb");
         try {
             if (m_mode == RunMode::batch) {
-                ComMsgMgr::init(ComMsgMgr::MSGCACHE_OFF, record);
+                ComMsgMgr::init(ComMsgMgr::MSGCACHE_LATEST, record);
                 if (!record.empty()) {
                     HTCTclChannel::setAllMsg2Stdout();
                 }

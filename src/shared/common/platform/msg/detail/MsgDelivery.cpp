@@ -13,6 +13,7 @@
 #include "platform/env/HUTLogFileMgr.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/msg/ComMsgMgrStdout.h"
+#include "platform/msg/detail/MsgRedirects.h"
 
 namespace com_msg_mgr {
 
@@ -160,7 +161,7 @@ void deliver_now(ComMsgMgrMask mask, std::string_view id, std::string_view text)
     std::shared_ptr<ComMsgMgrSink> console;
     {
         std::lock_guard lock(delivery.output);
-        if (route.log)
+        if (route.log && !MsgRedirects::get().write(id, text))
             delivery.sinks[1] ? delivery.sinks[1]->write(text) : HUTLogFileMgr::writeLog(text);
         if (route.journal) {
             const std::string comment = route.journalAsComment ? as_comment(text) : std::string();
@@ -196,6 +197,19 @@ void deliver(ComMsgMgrMask mask, std::string_view id, std::string_view text) {
             return;
     }
     deliver_now(mask, id, text);
+}
+
+void write_console(std::string_view text) {
+    Delivery& delivery = Delivery::get();
+    std::shared_ptr<ComMsgMgrSink> console;
+    {
+        std::lock_guard lock(delivery.output);
+        console = delivery.sinks[0];
+    }
+    if (console)
+        console->write(text);
+    else
+        ComMsgMgrStdout::instance()->write(text);
 }
 
 std::shared_ptr<ComMsgMgrSink> set_sink(std::size_t where, std::shared_ptr<ComMsgMgrSink> sink) {

@@ -15,6 +15,9 @@ namespace com_msg_mgr {
 /// \param id empty for a text without one
 void deliver(ComMsgMgrMask mask, std::string_view id, std::string_view text);
 
+/// Gives whole lines to the console alone, at once.
+void write_console(std::string_view text);
+
 /// Replaces the end of one road, null for the usual one: 0 the console, 1 the log, 2 the journal. Returns
 /// what stood there.
 std::shared_ptr<ComMsgMgrSink> set_sink(std::size_t where, std::shared_ptr<ComMsgMgrSink> sink);
