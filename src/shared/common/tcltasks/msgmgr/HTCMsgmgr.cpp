@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/msg/HEX.h"
+
 ComMsgMgr::MsgMask HTCMsgmgr::msgString2Type(const std::string& word) {
     if (const ComMsgMgr::MsgMask mask = ComMsgMgr::msgStr2Type(word)) {
         return mask; // mostly written so; no alias is
@@ -24,4 +26,12 @@ ComMsgMgr::MsgMask HTCMsgmgr::msgString2Type(const std::string& word) {
         }
     }
     return ComMsgMgr::msgStr2Type(upper);
+}
+
+ComMsgMgr::MsgMask HTCMsgmgr::requireMsgType(const std::string& word) {
+    const ComMsgMgr::MsgMask mask = msgString2Type(word);
+    if (mask == 0) {
+        throw HEXError({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-171@%s\n", word});
+    }
+    return mask;
 }

@@ -11,4 +11,7 @@ namespace HTCMsgmgr {
 /// word. Any thread.
 ComMsgMgr::MsgMask msgString2Type(const std::string& word);
 
+/// The same; throws HEXError for an unknown word.
+ComMsgMgr::MsgMask requireMsgType(const std::string& word);
+
 } // namespace HTCMsgmgr
