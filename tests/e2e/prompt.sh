@@ -1,4 +1,4 @@
-# The prompt in detail: interrupts, events, incomplete commands, the end of input, what log and journal hold.
+# The host's own prompt, without the line editor, in detail: interrupts, events, incomplete commands, the end of input, what log and journal hold.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
 
 cat >common.exp <<'EXPECT'
@@ -13,7 +13,9 @@ proc see {what pattern} {
 }
 proc start {args} {
     uplevel #0 [list spawn -noecho [lindex $::argv 0] -mode tcl {*}$args]
-    see "a prompt" {Corvane% $}
+    see "the editor's prompt" {corvane% $}
+    send "omu::stop_editline\r"
+    see "the host's prompt" {Corvane% $}
 }
 # Starts a command that tells when it runs, interrupts it, and waits for the prompt.
 proc interrupt {what command} {

@@ -13,6 +13,7 @@
 
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/msg/ComMsgMgrStdout.h"
+#include "platform/tcl/HTCTclWakeUp.h"
 
 namespace {
 
@@ -49,6 +50,9 @@ void write_bytes(Tcl_Channel channel, std::string_view text) {
     Tcl_Flush(channel);
 }
 
+/// Texts of other threads on their way to the interpreter's; those that follow wait behind them.
+std::atomic<int> s_queued{0};
+
 class TclConsole : public ComMsgMgrSink {
 public:
     explicit TclConsole(Tcl_ThreadId owner) : m_owner(owner), m_stdout(StdoutFile::now()) {}
@@ -56,7 +60,7 @@ public:
     void write(std::string_view text) override {
         if (Tcl_GetCurrentThread() == m_owner)
             writeOnOwner(text);
-        else if (m_plain.load() && StdoutFile::now() == m_stdout)
+        else if (!HTCTclWakeUp::isAtPrompt() && s_queued == 0 && m_plain && StdoutFile::now() == m_stdout)
             ComMsgMgrStdout::instance()->write(text);
         else
             queue(text);
@@ -96,11 +100,14 @@ private:
             std::unique_ptr<std::string> text(reinterpret_cast<Event*>(header)->text);
             if (Tcl_Channel channel = Tcl_GetStdChannel(TCL_STDOUT))
                 write_bytes(channel, *text);
+            --s_queued;
             return 1;
         };
         event->text = new std::string(text);
+        ++s_queued;
         Tcl_ThreadQueueEvent(m_owner, &event->header, TCL_QUEUE_TAIL);
         Tcl_ThreadAlert(m_owner);
+        HTCTclWakeUp::notify();
     }
 
     const Tcl_ThreadId m_owner;

@@ -8,7 +8,8 @@ public:
     ///
     /// Messages of other threads never touch a Tcl channel. While file descriptor 1 is what it was at this
     /// call and stdout is no transformed channel, they are written to it at once, whole lines at a time;
-    /// otherwise they are queued to the interpreter's thread and appear when its event loop runs.
+    /// otherwise, and while the user types a line, they are queued to the interpreter's thread and appear
+    /// when its event loop runs or the prompt has made room for them.
     static void forwardMsg2Stdout();
     /// Back to the process's own standard output.
     static void stopMsg2Stdout();

@@ -9,6 +9,7 @@
 namespace {
 
 std::atomic<int> s_descriptor{-1}; // stays open as long as the process
+std::atomic<bool> s_atPrompt{false};
 
 } // namespace
 
@@ -32,4 +33,12 @@ void HTCTclWakeUp::notify() noexcept {
 void HTCTclWakeUp::clear() {
     std::uint64_t count = 0;
     [[maybe_unused]] const ssize_t taken = ::read(s_descriptor, &count, sizeof count);
+}
+
+bool HTCTclWakeUp::isAtPrompt() {
+    return s_atPrompt;
+}
+
+void HTCTclWakeUp::setAtPrompt(bool atPrompt) {
+    s_atPrompt = atPrompt;
 }

@@ -11,4 +11,9 @@ public:
     /// Any thread, and signal handlers. Does nothing before the first descriptor().
     static void notify() noexcept;
     static void clear();
+
+    /// Whether that thread has a line on the screen that the user is typing, so that what other threads show
+    /// should go through it. Set on that thread, read on any.
+    static bool isAtPrompt();
+    static void setAtPrompt(bool atPrompt);
 };

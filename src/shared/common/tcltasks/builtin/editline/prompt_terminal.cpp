@@ -95,8 +95,11 @@ const char* prompt_terminal::read(int* count) {
     markPastes(true);
     // A command that another thread hands over may end the process.
     Tcl_CreateExitHandler(restore, this);
+    HTCTclWakeUp::setAtPrompt(true);
     const char* line = el_gets(m_el, count);
+    HTCTclWakeUp::setAtPrompt(false);
     Tcl_DeleteExitHandler(restore, this);
+    serveEvents(); // what came too late for the prompt comes before the command
     if (line) {
         markPastes(false);
     }
@@ -216,14 +219,15 @@ void prompt_terminal::serve() {
         el_resize(m_el);
     }
     eraseLine();
-    while (Tcl_ServiceEvent(TCL_WINDOW_EVENTS)) {
-        if (m_interrupted) {
-            break;
-        }
+    serveEvents();
+    libedit().el_set(m_el, EL_REFRESH);
+}
+
+void prompt_terminal::serveEvents() {
+    while (Tcl_ServiceEvent(TCL_WINDOW_EVENTS) != 0) {
     }
     flush(TCL_STDOUT);
     flush(TCL_STDERR);
-    libedit().el_set(m_el, EL_REFRESH);
 }
 
 void prompt_terminal::write(const std::string& text) {

@@ -43,7 +43,7 @@ private:
     bool waitForInput();
     int readBytes(char* bytes, int count);
     void serve();
-    void redraw();
+    void serveEvents();
     void eraseLine();
     void leaveLine();
     void write(const std::string& text);
