@@ -17,9 +17,10 @@ proc ::omu::import {script} {
     }
 }
 
-# Imports the commands that common:: has by now into the global namespace. A name that is taken there stays
-# what it is. To be called again by what adds commands later.
+# Imports the commands that common:: has by now into the global namespace, unless the interpreter was made
+# without them there. A name that is taken there stays what it is. To be called again by what adds commands later.
 proc ::omu::publish {} {
+    if {[info exists ::omu::noimport]} return
     set imports {}
     foreach command [info commands ::common::*] {
         if {[namespace which ::[namespace tail $command]] eq ""} {
@@ -40,7 +41,9 @@ proc ::omu::replace {names} {
     import $imports
 }
 
-omu::replace {catch foreach join lappend lindex llength lrange lreplace lreverse lsearch lset lsort source}
+omu::replace {
+    catch foreach join lappend lindex llength load lrange lreplace lreverse lsearch lset lsort source subst
+}
 omu::publish
 
 # Tcl's history, with its events where the whole tool sees them. What is asked and refused, and in which words,

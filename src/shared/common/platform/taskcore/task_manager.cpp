@@ -266,6 +266,20 @@ void task_manager::registerFactory(Tcl_Interp* interp, const std::shared_ptr<ifa
     Tcl_CreateObjCommand(interp, name.c_str(), dispatch, entry, command_deleted);
 }
 
+bool task_manager::registerFactory(Tcl_Interp* interp, const std::string& name) {
+    std::shared_ptr<ifactory> factory;
+    {
+        std::lock_guard lock(table().mutex);
+        if (command_entry* entry = find_entry(name)) {
+            factory = entry->factory;
+        }
+    }
+    if (factory) {
+        registerFactory(interp, factory);
+    }
+    return factory != nullptr;
+}
+
 bool task_manager::unregisterFactory(const std::string& name) {
     std::set<Tcl_Interp*> interps;
     std::shared_ptr<ifactory> gone; // dies outside of the lock

@@ -31,6 +31,8 @@ public:
     /// Creates the Tcl command `factory->task_name()` in the interpreter and keeps the factory by name. A
     /// factory of the same name is replaced in all interpreters.
     static void registerFactory(Tcl_Interp* interp, const std::shared_ptr<ifactory>& factory);
+    /// Creates the command of a factory that another interpreter has registered. False if there is none.
+    static bool registerFactory(Tcl_Interp* interp, const std::string& name);
     /// Takes the command out of all interpreters of this thread, or of one. False if there is no such task
     /// there.
     static bool unregisterFactory(const std::string& name);

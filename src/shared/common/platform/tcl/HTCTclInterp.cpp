@@ -4,6 +4,11 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/msg/ComMsgMgr.h"
+#include "platform/msg/HEX.h"
+#include "platform/taskcore/task_manager.h"
+#include "platform/tcl/HTCTclEncoding.h"
+
 namespace {
 
 struct registered_interp {
@@ -70,6 +75,29 @@ Tcl_ThreadId HTCTclInterp::threadOf(Tcl_Interp* interp) {
 
 bool HTCTclInterp::isSlave(Tcl_Interp* interp) {
     return Tcl_GetMaster(interp) != nullptr;
+}
+
+void HTCTclInterp::deleteSlaveHelper(Tcl_Interp* slave) {
+    Tcl_DeleteInterp(slave);
+}
+
+int HTCTclInterp::registerSlaveTask(Tcl_Interp* master, Tcl_Interp* slave, const std::string& name) {
+    using vek::tcltasks::task_manager;
+    const std::string command = HTCTclEncoding::toTcl(name);
+    if (task_manager::createTask(master, name)) {
+        task_manager::registerFactory(slave, name);
+        if (Tcl_FindCommand(slave, command.c_str(), nullptr, TCL_GLOBAL_ONLY)) {
+            return TCL_OK;
+        }
+        // The plain name of a public command.
+        return Tcl_Import(slave, Tcl_GetGlobalNamespace(slave), ("::common::" + command).c_str(), 0);
+    }
+    if (!Tcl_FindCommand(master, command.c_str(), nullptr, TCL_GLOBAL_ONLY)) {
+        const HEXError missing({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-5411@%s\n", name});
+        Tcl_SetObjResult(slave, HTCTclEncoding::tclNewStringObj(missing.what()));
+        return TCL_ERROR;
+    }
+    return Tcl_CreateAlias(slave, command.c_str(), master, command.c_str(), 0, nullptr);
 }
 
 void HTCTclInterp::onDelete(void (*listener)(Tcl_Interp*)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <tcl.h>
 
 /// The interpreters that the library was loaded into.
@@ -17,6 +18,15 @@ public:
 
     /// True for an interpreter that another one made. Interpreter's thread.
     static bool isSlave(Tcl_Interp* interp);
+
+    /// Deletes an interpreter that another one made. One that is running a command lives on until that ends.
+    /// Interpreter's thread.
+    static void deleteSlaveHelper(Tcl_Interp* slave);
+
+    /// Gives `slave` a command of `master`, the interpreter that made it: a task becomes a task of the slave
+    /// itself, any other command an alias that runs in the master. Returns a Tcl code, with the reason in the
+    /// slave's result. Interpreter's thread.
+    static int registerSlaveTask(Tcl_Interp* master, Tcl_Interp* slave, const std::string& name);
 
     /// Calls `listener(interp)` when a registered interpreter is deleted. Listeners are never removed.
     static void onDelete(void (*listener)(Tcl_Interp*));

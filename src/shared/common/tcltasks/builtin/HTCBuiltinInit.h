@@ -17,7 +17,13 @@ struct source_cmds {
 struct HTCCatch : object_commands {
     static void init(Tcl_Interp* interp);
 };
+struct HTCOmuSubst : object_commands {
+    static void init(Tcl_Interp* interp);
+};
 struct HTCForeach : object_commands {
+    static void init(Tcl_Interp* interp);
+};
+struct HTCAlias : object_commands {
     static void init(Tcl_Interp* interp);
 };
 struct HTCJoin : object_commands {
@@ -34,6 +40,25 @@ struct HTCLlength : object_commands {
 };
 struct HTCLsearch : object_commands {
     static void init(Tcl_Interp* interp);
+};
+struct HTCSlave {
+    static void init(Tcl_Interp* interp);
+    static void uninit();
+};
+struct HTCShell : object_commands {
+    static void init(Tcl_Interp* interp);
+};
+struct HTCLoad : object_commands {
+    static void init(Tcl_Interp* interp);
+};
+struct HTCSubst : object_commands {
+    static void init(Tcl_Interp* interp);
+};
+
+/// The commands that write encrypted scripts.
+struct script_cmds {
+    static void init(Tcl_Interp* interp);
+    static void uninit();
 };
 
 } // namespace HTCBuiltinInit

@@ -85,8 +85,9 @@ int HTCBuiltinUtils::parseIndex(const std::string& index, int last) {
 namespace {
 
 // In the order of plain_command.
-constexpr const char* plainNames[] = {"::tcl::lappend",  "::tcl::lindex",  "::tcl::lrange", "::tcl::lreplace",
-                                      "::tcl::lreverse", "::tcl::lsearch", "::tcl::lset",   "::tcl::lsort"};
+constexpr const char* plainNames[] = {"::tcl::lappend", "::tcl::lindex",   "::tcl::load",
+                                      "::tcl::lrange",  "::tcl::lreplace", "::tcl::lreverse",
+                                      "::tcl::lsearch", "::tcl::lset",     "::tcl::lsort"};
 
 // The names as values, which remember the commands that they were last resolved to. One set for each thread.
 struct plain_names {

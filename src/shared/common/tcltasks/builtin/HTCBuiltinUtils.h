@@ -12,7 +12,7 @@ namespace HTCBuiltinUtils {
 int parseIndex(const std::string& index, int last);
 
 /// Tcl's own commands, under the names that they keep after the take-over.
-enum class plain_command { lappend, lindex, lrange, lreplace, lreverse, lsearch, lset, lsort };
+enum class plain_command { lappend, lindex, load, lrange, lreplace, lreverse, lsearch, lset, lsort };
 
 /// Runs Tcl's own command on the words of a call of its replacement, so that results, error texts and error
 /// stacks are those of Tcl. Interpreter's thread.

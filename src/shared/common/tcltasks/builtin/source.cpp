@@ -9,6 +9,7 @@
 #include "platform/param/HPAParamMgr.h"
 #include "platform/tcl/HTCTclInterp.h"
 #include "platform/tcl/HTCTclUtils.h"
+#include "tcltasks/builtin/detail/encrypted_source.h"
 #include "tcltasks/builtin/detail/tracer.h"
 #include "tcltasks/builtin/source_command_done.h"
 #include "tcltasks/core/task.h"
@@ -129,14 +130,22 @@ public:
             throw HEXError({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-76@%s\n", file});
         }
         const tclobj_ref path(HTCTclEncoding::tclNewStringObj(file));
-        int code = TCL_OK;
+        HTCBuiltin::detail::encrypted_source encrypted(interp, path.get());
+        int code = encrypted.code();
+        if (code != TCL_OK) {
+            return code;
+        }
         {
-            const sourcing scope(interp, noTrace);
+            const sourcing scope(interp, noTrace || encrypted);
             code = Tcl_FSEvalFileEx(interp, path.get(), encoding.empty() ? nullptr : encoding.c_str());
+            encrypted.hide_commands(code);
         }
         if (code != TCL_OK && Tcl_FSAccess(path.get(), F_OK) == 0 && HUTPathUtils::isRegularFile(file) &&
             !task_manager::isTaskCanceled() && !HTCTclUtils::isInCatch(interp)) {
             show_script_error(interp, code);
+        }
+        if (encrypted.end() != TCL_OK) {
+            return TCL_ERROR;
         }
         HUTGuiEvent::fire<source_command_done>(interp, &code, static_cast<itask*>(this));
         return code;

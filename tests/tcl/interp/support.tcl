@@ -1,0 +1,48 @@
+# What the tests of interpreters share: a look at what the console shows.
+
+namespace eval support {
+    variable shown ""
+
+    namespace eval listener {
+        namespace export initialize finalize write flush
+        namespace ensemble create
+        proc initialize {channel mode} {return {initialize finalize write flush}}
+        proc finalize {channel} {}
+        proc flush {channel} {}
+        proc write {channel bytes} {
+            append ::support::shown [encoding convertfrom utf-8 $bytes]
+            return ""
+        }
+    }
+
+    # What a script writes to standard output, which then does not get there.
+    proc shown {script} {
+        set ::support::shown ""
+        ::flush stdout
+        chan push stdout ::support::listener
+        catch {uplevel 1 $script}
+        ::flush stdout
+        chan pop stdout
+        return $::support::shown
+    }
+
+    # Code and result of a script.
+    proc outcome {script} {
+        return [list [tcl::catch {uplevel 1 $script} result] $result]
+    }
+
+    proc write_file {name text} {
+        set file [open $name wb]
+        puts -nonewline $file [encoding convertto utf-8 $text]
+        close $file
+        return $name
+    }
+    proc read_file {name} {
+        set file [open $name rb]
+        set bytes [read $file]
+        close $file
+        return $bytes
+    }
+    namespace export *
+}
+namespace import support::*
