@@ -23,6 +23,7 @@ public:
             .required()
             .hint("param")
             .add_option("value", options::text(), "Parameter value")
+            .hint("param_value")
             .required();
         positional_instance().add("name", 1).add("value", 1);
     }

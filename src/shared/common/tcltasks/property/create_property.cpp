@@ -44,6 +44,7 @@ public:
             .add_option("class", options::value<std::string>(),
                         "Object type to create property for; valid values are: design, net, cell, pin, port, "
                         "pblock, interface, fileset")
+            .hint("class")
             .required()
             .add_option("no_register", options::flag(), "Donot register spec");
         positional_instance().add("name", 1).add("class", 1);

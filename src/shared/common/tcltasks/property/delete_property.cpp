@@ -18,10 +18,12 @@ public:
         description_instance("Delete user defined property for class of object", "")
             .add_options()
             .add_option("name", options::value<std::string>(), "Name of property")
+            .hint("property")
             .required()
             .add_option("class", options::value<std::string>(),
                         "Object type to delete property for; valid values are: design, net, cell, pin, port, "
                         "pblock, interface, fileset")
+            .hint("class")
             .required();
         positional_instance().add("name", 1).add("class", 1);
     }

@@ -22,6 +22,7 @@ public:
             .add_option("object", optional_objects_option(), "Object to query for attribute specs")
             .add_option("class", options::text(),
                         "Object type to query for attribute specs. Ignored if object is specified.")
+            .hint("class")
             .add_option("regexp", options::flag(), "Patterns are full regular expressions")
             .add_option("nocase", options::flag(),
                         "Perform case-insensitive matching (valid only when -regexp specified)")

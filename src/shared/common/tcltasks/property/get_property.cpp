@@ -55,6 +55,7 @@ public:
             .add_option("max", options::flag(), "Return only the maximum value")
             .add_option("name", options::value<std::string>(),
                         "Name of property whose value is to be retrieved")
+            .hint("property")
             .required()
             .add_option("object", options::value<Tcl_Obj*>(), "Object to query for properties")
             .required();

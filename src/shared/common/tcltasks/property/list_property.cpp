@@ -24,6 +24,7 @@ public:
             .add_option("pattern", options::text("*"), "Pattern to match properties against")
             .add_option("class", options::text(),
                         "Object type to query for properties. Ignored if object is specified.")
+            .hint("class")
             .add_option("regexp", options::flag(), "Pattern is treated as a regular expression");
         positional_instance().add("object", 1).add("pattern", 1);
     }

@@ -20,8 +20,10 @@ public:
             .add_option("default", options::flag(), "Show only the default value.")
             .add_option("class", options::text(),
                         "Object type to query for legal property values. Ignored if object is specified.")
+            .hint("class")
             .add_option("name", options::value<std::string>(),
                         "Name of property whose legal values is to be retrieved")
+            .hint("property")
             .required()
             .add_option("object", optional_objects_option(), "Object to query for legal properties values");
         positional_instance().add("name", 1).add("object", 1);

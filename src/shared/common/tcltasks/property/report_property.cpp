@@ -27,6 +27,7 @@ public:
             .add_option("detail", options::flag(), "Report detailed help on properties")
             .add_option("class", options::text(),
                         "Object type to query for properties. Not valid with <object>")
+            .hint("class")
             .add_option("list_owners", options::flag(), "Report the owner of each property")
             .add_option("return_string", options::flag(),
                         "Set the result of running report_property in the Tcl interpreter's result variable")

@@ -20,6 +20,7 @@ public:
                              "The value that was set if success, \"\" if failure")
             .add_options()
             .add_option("property_name", options::value<std::string>(), "Name of property to reset")
+            .hint("property")
             .required()
             .add_option("objects", objects_option(), "Objects to set properties")
             .required();

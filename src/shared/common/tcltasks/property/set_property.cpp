@@ -21,6 +21,7 @@ public:
             .add_options()
             .add_option("name", options::value<std::string>(),
                         "Name of property to set. Not valid with -dict option")
+            .hint("property")
             .add_option("value", options::value<std::string>(),
                         "Value of property to set. Not valid with -dict option")
             .add_option("dict", options::list(), "list of name/value pairs of properties to set")
