@@ -25,9 +25,6 @@ using names = std::vector<std::string>;
 
 constexpr std::string_view blanks = " \t";
 
-// From this length on the options of a command are not looked for.
-constexpr size_t longest_text = 4096;
-
 const char* const too_long = "\nUnable to tab complete due to command line length.\n";
 
 RE2* pattern_of(const char* pattern) {
@@ -138,7 +135,7 @@ public:
         if (search(re_open_cmd(), m_text, found)) {
             return command_stage(piece_of(m_text, found[2].data() ? found[2] : found[4]));
         }
-        if (m_text.size() > longest_text) {
+        if (m_text.size() > longest_typed_command) {
             completion result;
             result.output = too_long;
             result.beep = true;
@@ -146,8 +143,12 @@ public:
         }
         if (search(re_open_opt(), m_text, found)) {
             const bool first = found[1].data() != nullptr;
-            return option_stage(piece_of(m_text, found[first ? 2 : 5]),
-                                piece_of(m_text, found[first ? 3 : 6]));
+            const piece option = piece_of(m_text, found[first ? 3 : 6]);
+            const completion result = option_stage(piece_of(m_text, found[first ? 2 : 5]), option);
+            // A dash inside a word may be an option's, but also that of a file as "my-file".
+            if (result.then != outcome::error || option.at == m_typed.current.begin) {
+                return result;
+            }
         }
         if (m_typed.runs_command()) {
             return refused();
@@ -162,9 +163,11 @@ private:
     // How a finished word looks in the line.
     struct form {
         bool path = false;
-        bool quote = false;       // what is special to Tcl is quoted
-        char open = 0;            // the quote or brace that the word stands in
-        std::string ending = " "; // behind a finished word
+        bool quote = false;      // what is special to Tcl is quoted
+        bool listQuoted = false; // in the listing as well
+        char open = 0;           // the quote or brace that the word stands in
+        char close = 0;          // what the part that is completed ends with
+        char ending = ' ';       // behind a finished word
     };
 
     static completion refused() {
@@ -273,17 +276,20 @@ private:
             return std::nullopt;
         }
         form look;
-        look.ending = m_typed.open ? "" : " ";
+        // Inside quotes, braces or an index the word goes on.
+        const std::string_view before = m_text.substr(m_typed.current.begin, variable->begin - 1);
+        const bool indexes = variable->array.empty() && before.rfind('(') + 1 > before.rfind(')') + 1;
+        look.ending = m_typed.open || indexes ? 0 : ' ';
         names list = variable->array.empty() ? variables(*variable) : elements(*variable);
         if (list.empty()) {
             return std::nullopt;
         }
         if (!variable->array.empty()) {
-            look.ending.insert(0, ")");
+            look.close = ')';
         } else if (variable->braced) {
-            look.ending.insert(0, "}");
+            look.close = '}';
         } else if (list.size() == 1 && is_array(list.front())) {
-            look.ending = "(";
+            look.ending = '(';
         }
         return settle(std::move(list), m_typed.current.begin + variable->begin, look);
     }
@@ -293,6 +299,11 @@ private:
         command.append("vars");
         append(command, glob_quoted(variable.name) + "*");
         names list = list_of(std::move(command)).value_or(names());
+        if (!variable.name.starts_with("::")) {
+            for (std::string& name : list) {
+                name.erase(0, name.starts_with("::") ? 2 : 0);
+            }
+        }
         const auto needs_braces = [](const std::string& name) {
             return !std::all_of(name.begin(), name.end(), [](unsigned char c) {
                 return c == '_' || c == ':' || (c < 0x80 && std::isalnum(c));
@@ -312,19 +323,36 @@ private:
         const std::string parent = colons == std::string::npos ? "" : name.substr(0, colons + 2);
         tclcmdobj command(m_interp, "namespace");
         command.append("children");
-        append(command, "::" + parent);
+        append(command, parent.starts_with("::") ? parent : std::string("::").append(parent));
         append(command, glob_quoted(name.substr(parent.size())) + "*");
         for (const std::string& full : list_of(std::move(command)).value_or(names())) {
             list.push_back(parent + full.substr(full.rfind("::") + 2) + "::");
         }
     }
 
+    // A variable that is watched is left alone: to ask for its elements would run what watches it.
+    bool is_watched(const std::string& name) {
+        tclcmdobj command(m_interp, "trace");
+        command.append("info").append("variable");
+        append(command, name);
+        const auto traces = list_of(std::move(command));
+        return !traces || !traces->empty();
+    }
+
     bool is_array(const std::string& name) {
-        return Tcl_GetVar2Ex(m_interp, name.c_str(), nullptr, TCL_GLOBAL_ONLY) == nullptr &&
-               !name.ends_with("::");
+        if (name.ends_with("::") || is_watched(name)) {
+            return false;
+        }
+        tclcmdobj command(m_interp, "array");
+        command.append("exists");
+        append(command, name);
+        return list_of(std::move(command)) == names{"1"};
     }
 
     names elements(const typed_variable& variable) {
+        if (is_watched(variable.array)) {
+            return {};
+        }
         tclcmdobj command(m_interp, "array");
         command.append("names");
         append(command, variable.array);
@@ -355,7 +383,7 @@ private:
         }
         const std::string& prefix = *m_typed.current.value;
         form look;
-        look.quote = true;
+        look.quote = look.listQuoted = true;
         look.open = m_typed.open;
         const size_t at = m_typed.current.begin + (look.open ? 1 : 0);
         if (auto list = values_of(*option, prefix, given); !list.empty()) {
@@ -364,7 +392,7 @@ private:
         if (!prefix.empty() || look.open || option->semantic->is_hidden()) {
             return std::nullopt;
         }
-        return settle(names{"<" + option->name + ">"}, at, look);
+        return settle(names{std::string("<").append(option->name).append(">")}, at, look);
     }
 
     names values_of(const options_description::option& option, const std::string& prefix,
@@ -418,7 +446,10 @@ private:
                     const auto& named = options[static_cast<size_t>(match.index)];
                     due = named.is_flag() ? nullptr : &named;
                 }
-                continue;
+                const bool number = match.kind == match.none && value[1] >= '0' && value[1] <= '9';
+                if (!number) {
+                    continue;
+                }
             }
             option = option ? option : next_positional();
             if (option) {
@@ -459,7 +490,8 @@ private:
         }
         result.output = "\n";
         for (const std::string& name : candidates) {
-            result.output += (look.path ? last_part(name) : name) + " ";
+            result.output += look.path ? last_part(name) : look.listQuoted ? quoted(name, 0) : name;
+            result.output += ' ';
         }
         for (const std::string& name : placeholders) {
             result.output += name + " ";
@@ -478,11 +510,16 @@ private:
         if (look.path && is_directory(word)) {
             return text + "/";
         }
+        const bool is_namespace = word.ends_with("::") && !word.ends_with(":::");
         if (look.open) {
             text += look.open == '{' ? '}' : look.open;
+        } else if (look.close && !is_namespace) {
+            text += look.close;
         }
-        const bool is_namespace = word.ends_with("::") && !word.ends_with(":::");
-        return is_namespace ? text : text + look.ending;
+        if (look.ending && !is_namespace) {
+            text += look.ending;
+        }
+        return text;
     }
 
     static std::string last_part(const std::string& path) {

@@ -148,6 +148,14 @@ bool typed_command::runs_command() const {
 
 typed_command read_typed_command(std::string_view text) {
     typed_command command;
+    const auto unreadable = [&](size_t from) {
+        command.readable = text.find('[', from) == std::string_view::npos;
+        command.current.begin = command.current.end = text.size();
+        return command;
+    };
+    if (text.size() > longest_typed_command) {
+        return unreadable(0); // Tcl's parser needs stack for each bracket that is open
+    }
     size_t offset = 0;
     std::string closed(text);
     size_t length = closed.size();
@@ -184,9 +192,7 @@ typed_command read_typed_command(std::string_view text) {
             }
             const char closer = closer_of(parsed.error());
             if (!closer || closed.size() > length + 8) {
-                command.readable = text.find('[', offset) == std::string_view::npos;
-                command.current.begin = command.current.end = text.size();
-                return command;
+                return unreadable(offset);
             }
             if (closer == '"' || parsed.lacks(TCL_PARSE_MISSING_BRACE)) {
                 command.open = closed[opened];

@@ -20,11 +20,14 @@ struct typed_command {
     std::vector<word> words; ///< those before the word that is being typed
     word current;            ///< the one that is being typed; empty behind a blank
     char open = 0;           ///< the quote or brace that `current` begins with and that is not closed, or 0
-    bool readable = true;    ///< false for a text that Tcl cannot read at all, as one with `"a"b`
+    bool readable = true;    ///< false for a text with a bracket that cannot be read, as `"a"b [c]`
 
     /// Whether a command substitution stands anywhere in the command; also if it cannot be told.
     bool runs_command() const;
 };
+
+/// The longest text that is read; a longer one, or one that is no Tcl at all, has no words.
+inline constexpr size_t longest_typed_command = 4096;
 
 typed_command read_typed_command(std::string_view text);
 
