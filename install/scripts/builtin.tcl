@@ -46,6 +46,62 @@ omu::replace {
 }
 omu::publish
 
+# The list commands that derive and change a value, where that is a collection. The task of the same work does
+# it. A task that has done nothing, code 9998 or 9999, leaves the call to Tcl's own command, on the list of the
+# elements.
+
+# Ends the calling procedure with the outcome of a task, unless that has done nothing.
+proc ::omu::end_with_task {args} {
+    if {[::tcl::catch {{*}$args} result options] ni {9998 9999}} {
+        dict incr options -level 2
+        return -options $options $result
+    }
+}
+
+proc ::omu::lrange_of_collection {value args} {
+    if {[llength $args] == 2} {end_with_task col_lrange -- $value {*}$args}
+    tailcall lrange [col2list -list $value] {*}$args
+}
+
+proc ::omu::lreverse_of_collection {value args} {
+    if {[llength $args] == 0} {end_with_task col_lreverse -list $value}
+    tailcall lreverse [col2list -list $value] {*}$args
+}
+
+proc ::omu::lreplace_of_collection {value args} {
+    if {[llength $args] >= 2} {end_with_task col_lreplace -- $value {*}$args}
+    tailcall lreplace [col2list -list $value] {*}$args
+}
+
+proc ::omu::lsort_of_collection {args} {
+    set value [lindex $args end]
+    set options [lrange $args 0 end-1]
+    if {$options eq "-unique"} {end_with_task col_lsort -unique $value}
+    tailcall lsort {*}$options [col2list -list $value]
+}
+
+# A collection that others hold too, beside the three variables here, is changed in a copy. A list that Tcl's
+# command refuses to change leaves the variable its collection.
+proc ::omu::lset_in_collection {name args} {
+    upvar 1 $name variable
+    set value $variable
+    if {[llength $args] == 2} {
+        set target $value
+        if {[col_isshared value] > 3} {set target [col_copy -list $value]}
+        if {[::tcl::catch {col_lset -- $target {*}$args} result options] ni {9998 9999}} {
+            if {[dict get $options -code] == 0} {return [uplevel 1 [list ::set $name $target]]}
+            return -options $options $result
+        }
+    }
+    if {[::tcl::catch {
+        uplevel 1 [list ::set $name [col2list -list $value]]
+        uplevel 1 [list ::omu::lset $name {*}$args]
+    } result options]} {
+        ::tcl::catch {uplevel 1 [list ::set $name $value]}
+    }
+    return -options $options $result
+}
+
 # Tcl's history, with its events where the whole tool sees them. What is asked and refused, and in which words,
 # is as in Tcl; its own procedures, which speak to an array, are only loaded for the command itself.
 namespace eval ::omu::history {
