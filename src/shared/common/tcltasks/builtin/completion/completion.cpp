@@ -1,6 +1,5 @@
 #include "tcltasks/builtin/completion/completion.h"
 
-#include <cstdio>
 #include <exception>
 #include <string>
 
@@ -50,15 +49,6 @@ std::wstring to_wide(std::string_view text) {
     return wide;
 }
 
-void write(const std::string& text) {
-    if (Tcl_Channel out = Tcl_GetStdChannel(TCL_STDOUT)) {
-        Tcl_Flush(out);
-    }
-    const std::string native = HTCTclEncoding::fromTcl(text);
-    std::fwrite(native.data(), 1, native.size(), stdout);
-    std::fflush(stdout);
-}
-
 unsigned char apply(EditLine* el, const completion& result, const std::string& line) {
     if (result.replacement) {
         const size_t typed = to_wide(std::string_view(line).substr(result.replace)).size();
@@ -66,7 +56,7 @@ unsigned char apply(EditLine* el, const completion& result, const std::string& l
         el_winsertstr(el, to_wide(*result.replacement).c_str());
     }
     if (!result.output.empty()) {
-        write(result.output);
+        show_below(HTCTclEncoding::fromTcl(result.output));
     }
     if (result.beep) {
         el_beep(el);

@@ -67,6 +67,13 @@ unsigned char tcl_delete_next_char(EditLine* el, int) {
     return CC_REFRESH;
 }
 
+// What the completion shows takes several rows, as the line may do; libedit would draw the one over the
+// other.
+unsigned char complete_word(EditLine* el, int key) {
+    const unsigned char code = tcl_completion(el, key);
+    return prompt_terminal::redrawIfMoved() && code == CC_REDISPLAY ? CC_NORM : code;
+}
+
 /// libedit's objects for as long as the loop runs.
 class editor {
 public:
@@ -76,7 +83,7 @@ public:
         lib.el_set(el, EL_PROMPT, tcl_prompt);
         lib.el_set(el, EL_EDITOR, "emacs");
         lib.el_set(el, EL_TERMINAL, nullptr);
-        lib.el_set(el, EL_ADDFN, "xtcl-complete", "Context sensitive argument completion", tcl_completion);
+        lib.el_set(el, EL_ADDFN, "xtcl-complete", "Context sensitive argument completion", complete_word);
         lib.el_set(el, EL_ADDFN, "xtcl-delete-next-char", "Delete character under cursor",
                    tcl_delete_next_char);
         lib.el_set(el, EL_BIND, "^I", "xtcl-complete", nullptr);
@@ -271,6 +278,10 @@ int resetTclMainLoop() {
     }
     s_exit_editline_loop = true;
     return 0;
+}
+
+void show_below(const std::string& text) {
+    prompt_terminal::showBelow(text);
 }
 
 Tcl_Interp* interp() {

@@ -19,6 +19,10 @@ int resetTclMainLoop();
 /// The interpreter of the loop; null before the first setTclMainLoop and after the interpreter is gone.
 Tcl_Interp* interp();
 
+/// For what a key shows beside the line that is being typed: writes `text`, in the system encoding and
+/// beginning with a line end, below all rows of the line, which is then drawn again below the text.
+void show_below(const std::string& text);
+
 /// For a host that has no Tcl_Main: runs the loop if it is armed, until it ends, and disarms it. False if
 /// it was not armed.
 bool runMainLoop();

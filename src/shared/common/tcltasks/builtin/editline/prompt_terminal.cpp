@@ -205,7 +205,8 @@ void prompt_terminal::serve() {
     if (Tcl_AsyncReady()) {
         Tcl_AsyncInvoke(nullptr, TCL_OK);
         if (m_interrupted) {
-            leaveLine();
+            goToLastRow();
+            write("\r\n");
             return;
         }
     }
@@ -302,14 +303,35 @@ void prompt_terminal::eraseLine() {
     int rows = 0;
     libedit().el_get(m_el, EL_GETTC, "li", &rows);
     const int up = std::min(placeOf(el_wline(m_el)->cursor).row, std::max(rows, 1) - 1);
-    write((up > 0 ? "\r\033[" + std::to_string(up) + "A" : std::string("\r")) + "\033[J");
+    // Some terminals keep, as part of what has scrolled away, what is cleared from the first row on.
+    write((up > 0 ? "\r\033[" + std::to_string(up) + "A" : std::string("\r")) +
+          "\033[K\0337\033[B\033[J\0338");
 }
 
-// Leaves prompt and line on the screen and goes below them.
-void prompt_terminal::leaveLine() {
+void prompt_terminal::goToLastRow() {
     const LineInfoW* line = el_wline(m_el);
     const int below = placeOf(line->lastchar).row - placeOf(line->cursor).row;
-    write((below > 0 && canMoveUp() ? "\033[" + std::to_string(below) + "B" : std::string()) + "\r\n");
+    if (below > 0 && canMoveUp()) {
+        write("\033[" + std::to_string(below) + "B");
+    }
+}
+
+void prompt_terminal::showBelow(const std::string& text) {
+    flush(TCL_STDOUT);
+    if (current) {
+        current->goToLastRow();
+        current->m_moved = true;
+    }
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
+
+bool prompt_terminal::redrawIfMoved() {
+    if (!current || !std::exchange(current->m_moved, false)) {
+        return false;
+    }
+    libedit().el_set(current->m_el, EL_REFRESH);
+    return true;
 }
 
 unsigned char prompt_terminal::paste(EditLine* el, int) {

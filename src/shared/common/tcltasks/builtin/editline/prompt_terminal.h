@@ -27,6 +27,9 @@ public:
     bool isGone() const { return m_gone; }
     /// Lets read() give up as if the user had broken the line off.
     static void interrupt();
+    /// Writes below the line; redrawIfMoved() then draws the line again and is true.
+    static void showBelow(const std::string& text);
+    static bool redrawIfMoved();
 
 private:
     struct place {
@@ -45,7 +48,7 @@ private:
     void serve();
     void serveEvents();
     void eraseLine();
-    void leaveLine();
+    void goToLastRow();
     void write(const std::string& text);
     void markPastes(bool on);
     place placeOf(const wchar_t* end) const;
@@ -58,6 +61,7 @@ private:
     bool m_canMarkPastes = false;
     bool m_marksPastes = false;
     bool m_interrupted = false;
+    bool m_moved = false; ///< what was written took the cursor away from the line
     bool m_gone = false;
     int m_emptyReads = 0;
     struct sigaction m_oldResize {};
