@@ -457,7 +457,61 @@ TEST_F(LogFileTest, WhatFollowsALostTextStartsOnALineOfItsOwn) {
         ::setrlimit(RLIMIT_FSIZE, &limit);
         Log::writeLog("after\n");
         Log::flush();
-        EXPECT_EQ(HUTFile::read("l"), "xxxxxxxxxx\nafter\n");
+        EXPECT_EQ(HUTFile::read("l"),
+                  "xxxxxxxxxx\n# Text is missing here: the file could not be written.\nafter\n");
+    });
+    EXPECT_EQ(child.status, 0);
+}
+
+TEST_F(LogFileTest, WhereTextWasLostStandsOneComment) {
+    const auto child = run_child([] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        Log::createJournalFile("j", false);
+        struct rlimit limit {};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        const rlim_t all = limit.rlim_cur;
+        limit.rlim_cur = 0;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const std::string line = std::string(99, 'k') + '\n';
+        for (int i = 0; i < 10'000; ++i)
+            Log::writeJournal(line);
+        Log::writeJournal(std::string(200'000, 'x'));
+        Log::flush();
+        limit.rlim_cur = all;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        Log::writeJournal("after\n");
+        Log::flush();
+        const std::string text = HUTFile::read("j");
+        const std::string tail = "# Text is missing here: the file could not be written.\nafter\n";
+        ASSERT_TRUE(text.ends_with(line + tail));
+        const std::string kept = text.substr(0, text.size() - tail.size());
+        EXPECT_GT(kept.size(), 65'000u);
+        EXPECT_EQ(kept.size() % line.size(), 0u);
+        EXPECT_EQ(kept.find_first_not_of("k\n"), kept.npos);
+    });
+    EXPECT_EQ(child.status, 0);
+}
+
+TEST_F(LogFileTest, EachGapHasACommentOfItsOwn) {
+    const auto child = run_child([] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        Log::createLogFile("l", false);
+        struct rlimit limit {};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        const rlim_t all = limit.rlim_cur;
+        limit.rlim_cur = 0;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        for (const char* word : {"one", "two"}) {
+            Log::writeLog(std::string(200'000, 'x'));
+            Log::writeLog(std::string(word) + "\n");
+        }
+        for (int i = 0; i < 3; ++i)
+            Log::writeLog(std::string(200'000, 'x') + '\n');
+        limit.rlim_cur = all;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        Log::flush();
+        const std::string mark = "# Text is missing here: the file could not be written.\n";
+        EXPECT_EQ(HUTFile::read("l"), mark + "one\n" + mark + "two\n" + mark);
     });
     EXPECT_EQ(child.status, 0);
 }

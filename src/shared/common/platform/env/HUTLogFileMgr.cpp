@@ -25,6 +25,9 @@ namespace {
 
 constexpr size_t kept_backups = 10;
 
+// Stands where text was lost; a comment for those who replay a journal.
+constexpr std::string_view gap_mark = "# Text is missing here: the file could not be written.\n";
+
 // A lock that a signal handler can try for, which std::mutex does not promise.
 class signal_safe_lock {
 public:
@@ -60,7 +63,10 @@ public:
 
 private:
     bool is_same_file(const struct stat& status) const;
+    size_t room() const;
+    void append(std::string_view text);
     void add(std::string_view text);
+    void mark_gap(bool in_line);
     void drain(size_t count);
     void drain_whole_lines();
     void fail(int code);
@@ -71,7 +77,8 @@ private:
     std::atomic<int> fd_{-1};       // atomic, as size_, for the handler that could not get the lock
     std::string name_, full_name_;
     bool line_open_ = false;     // what was last added does not end a line
-    std::thread::id line_owner_; // of the open line; none when a part of it was lost
+    std::thread::id line_owner_; // of the open line
+    bool gap_ = false;           // what was last added is the mark of a gap
     bool failing_ = false;       // the last write was refused
     bool removed_ = false;       // the file has no name any more
     time_t checked_ = 0;         // when it was last looked for, in seconds of any clock
@@ -236,7 +243,7 @@ void stream::open(const std::string& name, bool append, const stream& other) {
     const std::lock_guard guard(lock_);
     name_ = name;
     full_name_ = full;
-    line_open_ = false;
+    line_open_ = gap_ = false;
     failing_ = false;
     removed_ = false;
     size_ = 0;
@@ -273,29 +280,47 @@ void stream::write(std::string_view text) {
     add(text);
 }
 
+// What can be added now; there is always a place for the mark of a gap behind it.
+size_t stream::room() const {
+    constexpr size_t most = sizeof buffer_ - gap_mark.size() - 1;
+    return most - std::min<size_t>(size_, most);
+}
+
+void stream::append(std::string_view text) {
+    std::memcpy(buffer_.data() + size_, text.data(), text.size());
+    size_ += text.size();
+}
+
 void stream::add(std::string_view text) {
-    if (text.size() > buffer_.size() - size_)
+    if (text.size() > room())
         drain_whole_lines();
-    if (text.size() > buffer_.size() - size_)
+    if (text.size() > room())
         drain(size_);
-    if (text.size() <= buffer_.size() - size_) {
-        std::memcpy(buffer_.data() + size_, text.data(), text.size());
-        size_ += text.size();
+    if (text.size() <= room()) {
+        append(text);
+        gap_ = false;
         return;
     }
     size_t written = 0;
     if (size_ == 0) {
         written = env_detail::write_all(fd_, text);
         if (written == text.size()) {
-            failing_ = false;
+            failing_ = gap_ = false;
             return;
         }
         fail(errno);
     }
-    // The rest is lost. What comes next must not be glued to a line that was cut off.
-    const bool cut = size_ > 0 ? buffer_[size_ - 1] != '\n' : written > 0 && text[written - 1] != '\n';
-    line_open_ = cut;
-    line_owner_ = {};
+    mark_gap(size_ > 0 ? buffer_[size_ - 1] != '\n' : written > 0 && text[written - 1] != '\n');
+}
+
+// What comes next must not be glued to a line that was cut off.
+void stream::mark_gap(bool in_line) {
+    if (in_line)
+        append("\n");
+    if (in_line || !gap_)
+        append(gap_mark);
+    gap_ = true;
+    line_open_ = false;
 }
 
 void stream::drain(size_t count) {

@@ -51,7 +51,8 @@ public:
     static void writeJournal(std::string_view text);
 
     /// Hands what was written to the system. What could not be written, as on a full disk, is kept and tried
-    /// again as long as it fits in memory. Looks once a second whether the files are still there.
+    /// again as long as it fits in memory; where text had to be given up, a comment line tells so. Looks once
+    /// a second whether the files are still there.
     static void flush();
 
     /// Looks whether the open files are still there, which writing to them does not tell.
