@@ -51,6 +51,33 @@ foreach {threads words} {1 "a message from C++ into the log" 8 "the same on 8 th
         "spdlog's synchronous file logger" [median 3 {exec $yardstick $other 1000000 $threads}] us "<= 1.5"
 }
 
+# Rules that touch none of the messages sent: by id, or by strings that each text is searched for.
+proc without_rules {} {
+    foreach command [lrange [split [debug::get_msg_control_rules -as_tcl] \n] 0 end-1] {
+        reset_msg_config -ruleid [lindex $command end]
+    }
+}
+set plain [median 3 {bench::send_from_threads 1000000 1}]
+foreach {words count options} {
+    "10 rules, by id and by strings" 5 {{-id "Other 1-$i"} {-string "cell_$i of"}}
+    "10,000 rules by id" 10000 {{-id "Other 1-$i"}}
+    "10,000 rules by strings" 10000 {{-string "cell_$i of"}}
+    "10,000 rules by regular expressions" 10000 {{-regexp -string "{^cell_$i \[a-f\]+}"}}
+} {
+    for {set i 0} {$i < $count} {incr i} {
+        foreach qualifiers $options {
+            set_msg_config {*}[subst $qualifiers] -suppress
+        }
+    }
+    row "a message from C++ with $words" [median 3 {bench::send_from_threads 1000000 1}] "the same without rules" \
+        $plain us "<= 1.2"
+    without_rules
+}
+set_msg_config -id {Common 17-138} -suppress
+row "a message from C++ that a rule suppresses" [median 3 {bench::send_from_threads 1000000 1}] \
+    "one that is shown" $plain us "<= 0.2"
+without_rules
+
 set_param messaging.defaultLimit 0
 row "send_msg_id that a limit stops" [cost 200000 9 $send] \
     "a task that reads the same arguments" [cost 200000 9 [lreplace $send 0 0 bench::send_nothing]] us "<= 1.2"

@@ -29,9 +29,15 @@ std::uint64_t RuleEntry::rankOf(const ComMsgMgrRuleParts& parts, std::uint64_t s
     return weight << 60 | sequence;
 }
 
-StringRuleIndex::Gram StringRuleIndex::gramAt(std::string_view text, std::size_t place) {
-    const auto byte = [&](std::size_t i) { return Gram(static_cast<unsigned char>(text[place + i])); };
-    return byte(0) << 16 | byte(1) << 8 | byte(2);
+template <class Visit>
+void StringRuleIndex::forEachGram(std::string_view text, const Visit& visit) {
+    Gram gram = 0;
+    std::size_t read = 0;
+    for (const char c : text) {
+        gram = (gram << 8 | static_cast<unsigned char>(c)) & 0xFFFFFF;
+        if (++read >= gram_size)
+            visit(gram);
+    }
 }
 
 void StringRuleIndex::add(const RuleEntry* entry) {
@@ -43,18 +49,17 @@ void StringRuleIndex::add(const RuleEntry* entry) {
     // Under the bytes that the fewest other rules are filed under.
     Gram best = 0;
     std::size_t fewest = SIZE_MAX;
-    for (std::size_t i = 0; i + gram_size <= required.size(); ++i) {
-        const Gram gram = gramAt(required, i);
+    forEachGram(required, [&](Gram gram) {
         const auto found = m_byGram.find(gram);
         const std::size_t others = found == m_byGram.end() ? 0 : found->second.size();
         if (others < fewest) {
             fewest = others;
             best = gram;
         }
-    }
+    });
     m_filed.emplace(entry, best);
     m_byGram[best].push_back(entry);
-    m_slots.set(slotOf(best));
+    m_filter.add(best);
 }
 
 void StringRuleIndex::remove(const RuleEntry* entry) {
@@ -69,7 +74,7 @@ void StringRuleIndex::remove(const RuleEntry* entry) {
         m_byGram.erase(place);
     m_filed.erase(filed);
     if (m_filed.empty())
-        m_slots.reset();
+        m_filter.clear();
 }
 
 const RuleEntry* StringRuleIndex::find(ComMsgMgrMask severity, std::string_view text) const {
@@ -83,14 +88,13 @@ const RuleEntry* StringRuleIndex::find(ComMsgMgrMask severity, std::string_view 
     if (m_filed.empty())
         return best;
     std::unordered_set<Gram> seen; // a long text repeats itself
-    for (std::size_t i = 0; i + gram_size <= text.size(); ++i) {
-        const Gram gram = gramAt(text, i);
-        if (!m_slots.test(slotOf(gram)))
-            continue;
+    forEachGram(text, [&](Gram gram) {
+        if (!m_filter.mayHave(gram))
+            return;
         const auto found = m_byGram.find(gram);
         if (found != m_byGram.end() && seen.insert(gram).second)
             std::for_each(found->second.begin(), found->second.end(), consider);
-    }
+    });
     return best;
 }
 

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -35,13 +33,32 @@ public:
 
 private:
     using Gram = std::uint32_t;
+    /// A set of grams that may say yes too often. Most grams of a text are in no rule, and are told apart
+    /// here, in little memory.
+    class Filter {
+    public:
+        void add(Gram gram) {
+            m_words.resize(words);
+            m_words[slotOf(gram) / 64] |= std::uint64_t(1) << slotOf(gram) % 64;
+        }
+        bool mayHave(Gram gram) const { return m_words[slotOf(gram) / 64] >> slotOf(gram) % 64 & 1; }
+        void clear() { m_words.clear(); }
 
-    static Gram gramAt(std::string_view text, std::size_t place);
-    static std::size_t slotOf(Gram gram) { return (gram * 2654435761u) >> 16; }
+    private:
+        static constexpr int bits = 20;
+        static constexpr std::size_t words = (std::size_t(1) << bits) / 64;
+        static std::size_t slotOf(Gram gram) { return (gram * 2654435761u) >> (32 - bits); }
+
+        std::vector<std::uint64_t> m_words;
+    };
+
+    /// Calls visit(gram) for all bytes of a text, three at a time.
+    template <class Visit>
+    static void forEachGram(std::string_view text, const Visit& visit);
 
     std::unordered_map<const RuleEntry*, Gram> m_filed;
     std::unordered_map<Gram, std::vector<const RuleEntry*>> m_byGram;
-    std::bitset<65536> m_slots;              // of all grams since there were none
+    Filter m_filter;                         // has all grams since there were none
     std::vector<const RuleEntry*> m_unfiled; // rules that have to be tried with every text
 };
 
