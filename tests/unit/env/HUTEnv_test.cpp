@@ -138,6 +138,7 @@ TEST_F(EnvTest, KnowsTheProcess) {
     EXPECT_EQ(HUTEnv::getPid(), ::getpid());
     EXPECT_EQ(HUTEnv::getPWD(), dir.string());
     EXPECT_NE(HUTEnv::getHostName(), "");
+    EXPECT_NE(HUTEnv::getUserName(), "");
 }
 
 TEST_F(EnvTest, AWorkingDirectoryThatIsGoneIsEmpty) {

@@ -187,6 +187,17 @@ TEST_F(FileTest, PathQuestionsAnswerForEveryKind) {
     EXPECT_FALSE(HUTPathUtils::isWritableDirectory("/proc/self/fdinfo/none"));
 }
 
+TEST_F(FileTest, SaysWhereAFileCanBeWritten) {
+    fs::create_directory("d");
+    std::ofstream("f") << "x";
+    fs::create_symlink("nowhere", "dangling");
+    for (const char* path : {"f", "new", "./new", "d/new", "dangling", "/dev/null"})
+        EXPECT_TRUE(HUTFile::isWriteable(path)) << path;
+    for (const std::string& path : {""s, "d"s, "d/"s, "new/"s, "nosuch/new"s, "f/new"s, "f\0g"s})
+        EXPECT_FALSE(HUTFile::isWriteable(path)) << path;
+    EXPECT_FALSE(fs::exists("new"));
+}
+
 TEST_F(FileTest, JoinsAndTakesPathsApart) {
     EXPECT_EQ(HUTPathUtils::join({"/root", "lib", "x.tcl"}), "/root/lib/x.tcl");
     EXPECT_EQ(HUTPathUtils::join({"/root/", "/lib"}), "/root/lib");
