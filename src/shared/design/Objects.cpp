@@ -48,6 +48,11 @@ bool Cell::is_leaf() const {
     return inner_ == none;
 }
 
+bool Cell::is_blackbox() const {
+    const uint32_t module = shape().module;
+    return module != none && design().netlist().modules[module].blackbox;
+}
+
 Cell* Cell::parent() const {
     const Design& d = design();
     const uint32_t cell = d.scopes()[scope_].cell;

@@ -74,6 +74,8 @@ public:
     Name ref_name() const;
     /// False if the file has a module to look into, other than a black box.
     bool is_leaf() const;
+    /// True if its module is known by its ports only.
+    bool is_blackbox() const;
     /// The cell that holds it, null at the top.
     Cell* parent() const;
     /// 0 at the top.

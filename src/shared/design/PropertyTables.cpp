@@ -1,6 +1,7 @@
 #include "design/PropertyTables.h"
 
 #include "design/Design.h"
+#include "design/Objects.h"
 
 #include <type_traits>
 
@@ -69,124 +70,16 @@ PropertySpec stored(const char* name, ValueType type, const char* description,
     return spec;
 }
 
-template <auto text>
-PropertySpec constant(const char* name, const char* description) {
-    PropertySpec spec;
-    spec.name = name;
-    spec.description = description;
-    spec.read_only = true;
-    spec.append = [](const Design&, uint32_t, std::string& out) { out += text(); };
-    return spec;
-}
-
-const char* design_word() {
-    return "design";
-}
-const char* cell_word() {
-    return "cell";
-}
-const char* net_word() {
-    return "net";
-}
-const char* pin_word() {
-    return "pin";
-}
-const char* port_word() {
-    return "port";
+/// What every class begins with.
+template <class T>
+PropertySpec class_property() {
+    return computed<T, [](const T&) { return std::string(class_name(T::object_class)); }>(
+        "class", "Class of the object");
 }
 
 template <class T>
 std::string name_or_empty(const T* object) {
     return object ? object->name() : std::string();
-}
-
-bool cell_is_hierarchical(const Cell& c) {
-    return !c.is_leaf();
-}
-bool cell_is_hidden(const Cell& c) {
-    return c.record().hidden;
-}
-bool cell_is_blackbox(const Cell& c) {
-    const uint32_t module = c.shape().module;
-    return module != none && c.design().netlist().modules[module].blackbox;
-}
-std::string cell_parent(const Cell& c) {
-    return name_or_empty(c.parent());
-}
-std::string net_parent(const Net& n) {
-    return name_or_empty(n.parent());
-}
-std::string net_local_name(const Net& n) {
-    std::string text;
-    n.append_local_name(text);
-    return text;
-}
-std::string net_bus_index(const Net& n) {
-    return n.is_bus() ? std::to_string(n.bus_index()) : std::string();
-}
-std::string net_constant_value(const Net& n) {
-    return n.is_constant() ? Netlist::constant_bits[n.record().bit] : "";
-}
-bool net_is_hidden(const Net& n) {
-    return n.wire() && n.wire()->hidden;
-}
-int64_t net_depth(const Net& n) {
-    return n.design().scopes()[n.scope()].depth;
-}
-bool pin_is_connected(const Pin& p) {
-    return p.net() != nullptr;
-}
-bool pin_is_leaf(const Pin& p) {
-    return p.cell()->is_leaf();
-}
-std::string pin_net(const Pin& p) {
-    return name_or_empty(p.net());
-}
-std::string pin_cell(const Pin& p) {
-    return p.cell()->name();
-}
-Name pin_ref_name(const Pin& p) {
-    return p.cell()->ref_name();
-}
-std::string port_net(const Port& p) {
-    return p.net()->name();
-}
-std::string port_bus_index(const Port& p) {
-    return p.is_bus() ? std::to_string(p.bus_index()) : std::string();
-}
-int64_t port_bus_width(const Port& p) {
-    return p.record().width;
-}
-
-int64_t design_cells(const Design& d) {
-    return d.count<Cell>();
-}
-int64_t design_nets(const Design& d) {
-    return d.count<Net>();
-}
-int64_t design_pins(const Design& d) {
-    return d.count<Pin>();
-}
-int64_t design_ports(const Design& d) {
-    return d.count<Port>();
-}
-int64_t design_modules(const Design& d) {
-    return static_cast<int64_t>(d.netlist().modules.size());
-}
-int64_t design_leaf_cells(const Design& d) {
-    return d.count<Cell>() + 1 - static_cast<int64_t>(d.scopes().size());
-}
-int64_t design_memory(const Design& d) {
-    return static_cast<int64_t>(d.memory());
-}
-Name design_creator(const Design& d) {
-    return {d.netlist().creator};
-}
-const std::string& design_name(const Design& d) {
-    return d.name();
-}
-const std::string& design_file(const Design& d) {
-    return d.file();
 }
 
 } // namespace
@@ -196,32 +89,39 @@ std::vector<PropertySpec> built_in_properties(ObjectClass cls) {
     switch (cls) {
     case ObjectClass::design:
         return {
-            computed<Design, design_name>("name", "Name of the design, which is that of its top module"),
-            constant<design_word>("class", "Class of the object"),
-            computed<Design, design_name>("top", "Name of the top module"),
-            computed<Design, design_file>("file_name", "File that the netlist was read from"),
-            computed<Design, design_creator>("creator", "Program that wrote the netlist"),
-            computed<Design, design_cells>("cell_count", "Number of cells on all levels"),
-            computed<Design, design_leaf_cells>("leaf_cell_count", "Number of cells that have no inside"),
-            computed<Design, design_nets>("net_count", "Number of nets on all levels"),
-            computed<Design, design_pins>("pin_count", "Number of pins of cells on all levels"),
-            computed<Design, design_ports>("port_count", "Number of ports, each bit counted"),
-            computed<Design, design_modules>("module_count", "Number of modules in the file"),
-            computed<Design, design_memory>("memory", "Bytes of memory that the netlist takes"),
+            computed<Design, &Design::name>("name", "Name of the design, which is that of its top module"),
+            class_property<Design>(),
+            computed<Design, &Design::name>("top", "Name of the top module"),
+            computed<Design, &Design::file>("file_name", "File that the netlist was read from"),
+            computed<Design, [](const Design& d) { return Name{d.netlist().creator}; }>(
+                "creator", "Program that wrote the netlist"),
+            computed<Design, &Design::count<Cell>>("cell_count", "Number of cells on all levels"),
+            computed<Design, [](const Design& d) { return d.count<Cell>() + 1 - d.scopes().size(); }>(
+                "leaf_cell_count", "Number of cells that have no inside"),
+            computed<Design, &Design::count<Net>>("net_count", "Number of nets on all levels"),
+            computed<Design, &Design::count<Pin>>("pin_count", "Number of pins of cells on all levels"),
+            computed<Design, &Design::count<Port>>("port_count", "Number of ports, each bit counted"),
+            computed<Design, [](const Design& d) { return d.netlist().modules.size(); }>(
+                "module_count", "Number of modules in the file"),
+            computed<Design, &Design::memory>("memory", "Bytes of memory that the netlist takes"),
             stored("part", string, "Device that the design is meant for", ""),
         };
     case ObjectClass::cell:
         return {
             appended<Cell, &Cell::append_name>("name", "Full hierarchical name"),
-            constant<cell_word>("class", "Class of the object"),
+            class_property<Cell>(),
             computed<Cell, &Cell::ref_name>("ref_name", "Module or library cell that it is an instance of"),
             computed<Cell, &Cell::local_name>("local_name", "Last part of the name"),
-            computed<Cell, cell_parent>("parent", "Cell that holds it; empty at the top"),
+            computed<Cell, [](const Cell& c) { return name_or_empty(c.parent()); }>(
+                "parent", "Cell that holds it; empty at the top"),
             computed<Cell, &Cell::depth>("depth", "Level of hierarchy, 0 at the top"),
             computed<Cell, &Cell::is_leaf>("is_leaf", "True if it has no inside"),
-            computed<Cell, cell_is_hierarchical>("is_hierarchical", "True if it has an inside"),
-            computed<Cell, cell_is_blackbox>("is_blackbox", "True if its module is known by its ports only"),
-            computed<Cell, cell_is_hidden>("is_hidden", "True if a tool made up its name"),
+            computed<Cell, [](const Cell& c) { return !c.is_leaf(); }>("is_hierarchical",
+                                                                       "True if it has an inside"),
+            computed<Cell, &Cell::is_blackbox>("is_blackbox",
+                                               "True if its module is known by its ports only"),
+            computed<Cell, [](const Cell& c) { return c.record().hidden; }>(
+                "is_hidden", "True if a tool made up its name"),
             computed<Cell, &Cell::pin_count>("pin_count", "Number of pins, each bit counted"),
             computed<Cell, &Cell::fanout>("fanout", "Number of loads on the nets that its outputs drive"),
             stored("dont_touch", boolean, "Keeps the cell as it is in every optimization", "0"),
@@ -233,19 +133,27 @@ std::vector<PropertySpec> built_in_properties(ObjectClass cls) {
     case ObjectClass::net:
         return {
             appended<Net, &Net::append_name>("name", "Full hierarchical name"),
-            constant<net_word>("class", "Class of the object"),
-            computed<Net, net_local_name>("local_name", "Name within its module"),
-            computed<Net, net_parent>("parent", "Cell that holds it; empty at the top"),
-            computed<Net, net_depth>("depth", "Level of hierarchy, 0 at the top"),
+            class_property<Net>(),
+            appended<Net, &Net::append_local_name>("local_name", "Name within its module"),
+            computed<Net, [](const Net& n) { return name_or_empty(n.parent()); }>(
+                "parent", "Cell that holds it; empty at the top"),
+            computed<Net, [](const Net& n) { return n.design().scopes()[n.scope()].depth; }>(
+                "depth", "Level of hierarchy, 0 at the top"),
             computed<Net, &Net::bus_name>("bus_name", "Name without an index"),
-            computed<Net, net_bus_index>("bus_index", "Index in its bus; empty if it is no bit of a bus"),
+            computed<Net,
+                     [](const Net& n) { return n.is_bus() ? std::to_string(n.bus_index()) : std::string(); }>(
+                "bus_index", "Index in its bus; empty if it is no bit of a bus"),
             computed<Net, &Net::bus_width>("bus_width", "Number of bits of its bus"),
             computed<Net, &Net::pin_count>("pin_count", "Number of pins of cells on it"),
             computed<Net, &Net::fanout>("fanout", "Number of loads on its level of hierarchy"),
             computed<Net, &Net::driver_count>("driver_count", "Number of drivers on its level of hierarchy"),
             computed<Net, &Net::is_constant>("is_constant", "True if it is tied to a constant"),
-            computed<Net, net_constant_value>("constant_value", "0, 1, x or z; empty if it is no constant"),
-            computed<Net, net_is_hidden>("is_hidden", "True if a tool made up its name"),
+            computed<Net,
+                     [](const Net& n) {
+                         return std::string(n.is_constant() ? Netlist::constant_bits[n.record().bit] : "");
+                     }>("constant_value", "0, 1, x or z; empty if it is no constant"),
+            computed<Net, [](const Net& n) { return n.wire() && n.wire()->hidden; }>(
+                "is_hidden", "True if a tool made up its name"),
             stored("dont_touch", boolean, "Keeps the net as it is in every optimization", "0"),
             stored("keep", boolean, "Keeps the net even if nothing uses it", "0"),
             stored("type", enumeration, "What the net carries", "signal",
@@ -255,26 +163,34 @@ std::vector<PropertySpec> built_in_properties(ObjectClass cls) {
     case ObjectClass::pin:
         return {
             appended<Pin, &Pin::append_name>("name", "Full hierarchical name"),
-            constant<pin_word>("class", "Class of the object"),
+            class_property<Pin>(),
             computed<Pin, &Pin::port_name>("ref_pin_name", "Port of the cell, without an index"),
-            computed<Pin, pin_ref_name>("ref_name", "Module or library cell that its cell is an instance of"),
+            computed<Pin, [](const Pin& p) { return p.cell()->ref_name(); }>(
+                "ref_name", "Module or library cell that its cell is an instance of"),
             computed<Pin, &Pin::direction>("direction", "Direction as seen by the cell"),
             computed<Pin, &Pin::bit>("bit", "Bit of the port, 0 the lowest"),
-            computed<Pin, pin_cell>("cell", "Cell that it belongs to"),
-            computed<Pin, pin_net>("net", "Net that it is connected to; empty if none"),
-            computed<Pin, pin_is_connected>("is_connected", "True if it is connected"),
-            computed<Pin, pin_is_leaf>("is_leaf", "True if its cell has no inside"),
+            computed<Pin, [](const Pin& p) { return p.cell()->name(); }>("cell", "Cell that it belongs to"),
+            computed<Pin, [](const Pin& p) { return name_or_empty(p.net()); }>(
+                "net", "Net that it is connected to; empty if none"),
+            computed<Pin, [](const Pin& p) { return p.net() != nullptr; }>("is_connected",
+                                                                           "True if it is connected"),
+            computed<Pin, [](const Pin& p) { return p.cell()->is_leaf(); }>("is_leaf",
+                                                                            "True if its cell has no inside"),
             stored("dont_touch", boolean, "Keeps the connection as it is in every optimization", "0"),
         };
     case ObjectClass::port:
         return {
             appended<Port, &Port::append_name>("name", "Name of the port"),
-            constant<port_word>("class", "Class of the object"),
+            class_property<Port>(),
             computed<Port, &Port::direction>("direction", "Direction as seen by the design"),
             computed<Port, &Port::bus_name>("bus_name", "Name without an index"),
-            computed<Port, port_bus_index>("bus_index", "Index in its bus; empty if it is no bit of a bus"),
-            computed<Port, port_bus_width>("bus_width", "Number of bits of its bus"),
-            computed<Port, port_net>("net", "Net that it is connected to"),
+            computed<Port, [](const Port&
+                                  p) { return p.is_bus() ? std::to_string(p.bus_index()) : std::string(); }>(
+                "bus_index", "Index in its bus; empty if it is no bit of a bus"),
+            computed<Port, [](const Port& p) { return p.record().width; }>("bus_width",
+                                                                           "Number of bits of its bus"),
+            computed<Port, [](const Port& p) { return p.net()->name(); }>("net",
+                                                                          "Net that it is connected to"),
             stored("loc", string, "Package pin that the port has to be placed on", ""),
             stored("io_standard", string, "Electrical standard", "DEFAULT"),
             stored("drive", integer, "Drive strength in mA", "12"),
