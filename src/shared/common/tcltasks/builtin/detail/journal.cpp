@@ -1,10 +1,12 @@
 #include "tcltasks/builtin/detail/journal.h"
 
 #include <algorithm>
+#include <cctype>
 #include <string_view>
 
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/tcl/HTCHistory.h"
+#include "platform/tcl/HTCTclEncoding.h"
 #include "tcltasks/builtin/detail/translated.h"
 
 namespace HTCBuiltin::detail {
@@ -31,6 +33,17 @@ std::string_view next_word(std::string_view& text) {
     return word;
 }
 
+bool is_command(Tcl_Interp* interp, const std::string& name) {
+    return Tcl_FindCommand(interp, name.c_str(), nullptr, TCL_GLOBAL_ONLY) != nullptr;
+}
+
+// Whether Tcl thinks that it speaks to a person, whose unknown commands it then tries to make sense of.
+bool is_interactive(Tcl_Interp* interp) {
+    int interactive = 0;
+    Tcl_Obj* value = Tcl_GetVar2Ex(interp, "tcl_interactive", nullptr, TCL_GLOBAL_ONLY);
+    return value && Tcl_GetBooleanFromObj(nullptr, value, &interactive) == TCL_OK && interactive;
+}
+
 // Whether Tcl looks for the command among the events: the forms that its procedure unknown has for the
 // prompt, and "history redo".
 bool stands_for_event(Tcl_Interp* interp, std::string_view command) {
@@ -40,16 +53,35 @@ bool stands_for_event(Tcl_Interp* interp, std::string_view command) {
         const std::string_view operation = next_word(command);
         return !operation.empty() && std::string_view("redo").starts_with(operation);
     }
-    if (name.size() < 2 || (name[0] != '!' && name[0] != '^') ||
-        Tcl_FindCommand(interp, name.c_str(), nullptr, TCL_GLOBAL_ONLY)) {
-        return false;
-    }
-    int interactive = 0;
-    Tcl_Obj* value = Tcl_GetVar2Ex(interp, "tcl_interactive", nullptr, TCL_GLOBAL_ONLY);
-    return value && Tcl_GetBooleanFromObj(nullptr, value, &interactive) == TCL_OK && interactive;
+    return name.size() > 1 && (name[0] == '!' || name[0] == '^') && !is_command(interp, name) &&
+           is_interactive(interp);
 }
 
-void send(const std::string& command) {
+// The command with its name in full, where Tcl takes the beginning of a name for it. It does so at the prompt
+// only, and only for what it can neither load nor find among the system's programs.
+std::string with_full_name(Tcl_Interp* interp, const std::string& command) {
+    std::string_view behind = command;
+    const std::string name(next_word(behind));
+    const auto in_name = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };
+    if (name.empty() || !std::all_of(name.begin(), name.end(), in_name) || is_command(interp, name) ||
+        !is_interactive(interp)) {
+        return command;
+    }
+    const std::string question =
+        "::apply {{name} {if {[auto_load $name] || [auto_execok $name] ne {}} return\n"
+        "set found [info commands $name*]\n"
+        "if {[llength $found] == 1} {lindex $found 0}}} " +
+        name;
+    std::string full;
+    if (Tcl_EvalEx(interp, question.data(), static_cast<int>(question.size()), TCL_EVAL_GLOBAL) == TCL_OK) {
+        full = HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp));
+    }
+    Tcl_ResetResult(interp);
+    return full.empty() ? command : full + std::string(behind);
+}
+
+void send(Tcl_Interp* interp, const std::string& typed) {
+    const std::string command = with_full_name(interp, typed);
     if (command.starts_with("omu::") || command_has_translation(command)) {
         return;
     }
@@ -64,7 +96,7 @@ void send(const std::string& command) {
 void journal_command(Tcl_Interp* interp, const std::string& command) {
     awaited() = {};
     if (!stands_for_event(interp, command)) {
-        send(command);
+        send(interp, command);
         return;
     }
     const size_t end = command.find_first_of(";\n");
@@ -77,7 +109,7 @@ void journal_changed_event(Tcl_Interp* interp, int id, const std::string& comman
     const int newest = HTCHistory::Mgr::instance().nextid() - 1;
     const bool found = awaited().id > 0 && awaited().id == newest && (id > 0 ? id : newest + id) == newest;
     if (found && !stands_for_event(interp, command)) {
-        send(command + awaited().rest);
+        send(interp, command + awaited().rest);
         awaited() = {};
     }
 }
