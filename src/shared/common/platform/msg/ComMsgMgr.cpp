@@ -221,8 +221,10 @@ std::string_view text_of(std::string_view line, Mask mask, std::string_view id) 
     return without_line_end(line.substr(line.starts_with(word) ? size : 0));
 }
 
-std::string help_text(std::string_view id, const Help& help) {
+std::string help_text(std::string_view id, const Help& help, ComMsgMgr::MsgMask severity = 0) {
     std::string text = '[' + std::string(id) + "] " + help.words + '\n';
+    if (severity)
+        text.append("\nSeverity:\n").append(ComMsgMgr::msgType2Str(severity)).append("\n");
     if (!help.description.empty())
         text += "\nDescription:\n" + help.description + '\n';
     if (!help.resolution.empty())
@@ -402,8 +404,12 @@ void ComMsgMgr::keep(const Ticket& ticket, std::string_view line, const MakeInst
                                         !isShown};
     if (caching == Caching::lines)
         com_msg_mgr::session_source().add(kept);
-    if (recording)
+    if (recording) {
+        // The line of a traced script tells which of its commands has begun.
+        if (ticket.type & MSGTYPE_TRACED_COMMAND)
+            noteCommand(kept.text.substr(kept.text.starts_with("# ") ? 2 : 0));
         com_msg_mgr::add_to_dbs(kept);
+    }
 }
 
 template <class MakeInstance>
@@ -457,6 +463,7 @@ void ComMsgMgr::emit(Ticket ticket, MsgMask mask, std::string_view key,
     };
     std::string text;
     if (ticket.admission == Admission::undecided) {
+        text.reserve(240);
         append_text(text);
         if (!decide(ticket, mask, text))
             return;
@@ -630,8 +637,10 @@ bool ComMsgMgr::getHelpOnMessage(const std::string& given, std::string& text) {
             if (!HSTStringUtils::iequals(db->alias(), alias))
                 continue;
             if (const ComMsgMgrFile::Entry* entry = db->find(number)) {
-                text = help_text(db->alias() + ' ' + entry->number, {*db->words(number, isMsgXlationOn()),
-                                                                     entry->description, entry->resolution});
+                text = help_text(
+                    db->alias() + ' ' + entry->number,
+                    {*db->words(number, isMsgXlationOn()), entry->description, entry->resolution},
+                    entry->severity);
                 return true;
             }
         }

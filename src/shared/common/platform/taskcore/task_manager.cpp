@@ -445,6 +445,7 @@ task_manager::top_level::top_level(const std::string& command) {
         ComMsgMgr::beginCommand();
     }
     HUTProcHandlers::recordCommand(command);
+    ComMsgMgr::noteCommand(command);
 }
 
 task_manager::top_level::~top_level() {

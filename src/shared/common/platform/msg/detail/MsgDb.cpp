@@ -231,6 +231,8 @@ Writer::Writer(const std::string& file) : m_path(file) {
     // Readers do not stop the writer, and a batch is one write. Where a file system does not allow for it,
     // the mode stays what it was.
     m_db->value("PRAGMA journal_mode=WAL");
+    // From the first read on, other programs see that the file is in use.
+    m_db->value("SELECT count(*) FROM messages");
     m_db->run("PRAGMA synchronous=NORMAL; PRAGMA wal_autocheckpoint=4000");
     m_insert.emplace(*m_db,
                      "INSERT INTO messages(time,severity,default_severity,id,subsystem,text,suppressed,"
