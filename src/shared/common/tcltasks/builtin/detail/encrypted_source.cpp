@@ -1,11 +1,13 @@
 #include "tcltasks/builtin/detail/encrypted_source.h"
 
 #include <string>
+#include <string_view>
 
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/xp/xp.h"
 #include "tcltasks/builtin/detail/script_file_system.h"
+#include "tcltasks/builtin/detail/sealed_procs.h"
 
 namespace HTCBuiltin::detail {
 
@@ -26,15 +28,10 @@ bool is_encrypted(Tcl_Obj* path) {
     return isl::iostreams::xp::is_encrypted(native.c_str());
 }
 
-void put(Tcl_Obj* dict, const char* key, Tcl_Obj* value) {
-    Tcl_DictObjPut(nullptr, dict, Tcl_NewStringObj(key, -1), value);
-}
-
-// Makes `trace` all that the interpreter knows of its last error.
-void replace_trace(Tcl_Interp* interp, Tcl_Obj* options, Tcl_Obj* trace) {
-    put(options, "-errorinfo", trace);
-    put(options, "-errorstack", Tcl_NewObj());
-    Tcl_SetReturnOptions(interp, options);
+// Whether an error says that this very file could not be opened.
+bool is_tcls_refusal(Tcl_Obj* result, Tcl_Obj* path) {
+    const std::string start = std::string("couldn't read file \"") + Tcl_GetString(path) + "\": ";
+    return std::string_view(Tcl_GetString(result)).starts_with(start);
 }
 
 // Tcl also keeps the last error after it was caught.
@@ -44,10 +41,7 @@ void forget_last_error(Tcl_Interp* interp, Tcl_Obj* errorInfo) {
         return;
     }
     const tclobj_ref result(Tcl_GetObjResult(interp));
-    const tclobj_ref options(Tcl_NewDictObj());
-    put(options.get(), "-code", Tcl_NewIntObj(TCL_ERROR));
-    put(options.get(), "-level", Tcl_NewIntObj(0));
-    replace_trace(interp, options.get(), Tcl_NewStringObj("none", -1));
+    hide_trace(interp, Tcl_NewObj());
     Tcl_ResetResult(interp);
     Tcl_SetObjResult(interp, result.get());
     if (errorInfo) {
@@ -60,10 +54,12 @@ void forget_last_error(Tcl_Interp* interp, Tcl_Obj* errorInfo) {
 } // namespace
 
 encrypted_source::encrypted_source(Tcl_Interp* interp, Tcl_Obj* path)
-    : m_interp(interp), m_path(path), m_encrypted(is_encrypted(path)) {
+    : m_interp(interp), m_path(path), m_encrypted(is_encrypted(path)), m_wasInside(in_encrypted_script()) {
+    in_encrypted_script() = m_encrypted;
     if (!m_encrypted) {
         return;
     }
+    seal_procs(interp);
     if (s_encrypted_src_level == 0) {
         m_code = register_file_system(interp);
         if (m_code != TCL_OK) {
@@ -80,11 +76,12 @@ encrypted_source::encrypted_source(Tcl_Interp* interp, Tcl_Obj* path)
 }
 
 encrypted_source::~encrypted_source() {
+    in_encrypted_script() = m_wasInside;
     end();
 }
 
 void encrypted_source::hide_commands(int code) {
-    if (!m_encrypted || Tcl_InterpDeleted(m_interp)) {
+    if (!m_encrypted) {
         return;
     }
     const std::string reason = take_open_failure();
@@ -92,16 +89,11 @@ void encrypted_source::hide_commands(int code) {
         forget_last_error(m_interp, m_errorInfo.get());
         return;
     }
-    if (!reason.empty()) {
+    if (!reason.empty() && is_tcls_refusal(Tcl_GetObjResult(m_interp), m_path.get())) {
         Tcl_SetObjResult(m_interp, HTCTclEncoding::tclNewStringObj(reason));
     }
-    const tclobj_ref result(Tcl_GetObjResult(m_interp));
-    const tclobj_ref options(Tcl_GetReturnOptions(m_interp, code));
-    const tclobj_ref trace(Tcl_ObjPrintf("%s\n    (file \"%s\" line %d)", Tcl_GetString(result.get()),
-                                         Tcl_GetString(m_path.get()), Tcl_GetErrorLine(m_interp)));
-    replace_trace(m_interp, options.get(), trace.get());
-    Tcl_SetObjResult(m_interp, result.get());
-    Tcl_SetVar2Ex(m_interp, "errorInfo", nullptr, trace.get(), TCL_GLOBAL_ONLY);
+    hide_trace(m_interp, Tcl_ObjPrintf("(file \"%s\" line %d)", Tcl_GetString(m_path.get()),
+                                       Tcl_GetErrorLine(m_interp)));
 }
 
 int encrypted_source::end() {

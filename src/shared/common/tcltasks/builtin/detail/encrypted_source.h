@@ -33,6 +33,7 @@ private:
     vek::tcltasks::tclobj_ref m_path;
     vek::tcltasks::tclobj_ref m_errorInfo; // the variable's value before
     bool m_encrypted;
+    bool m_wasInside;
     int m_code = TCL_OK;
 };
 
