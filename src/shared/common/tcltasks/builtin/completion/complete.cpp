@@ -485,7 +485,9 @@ private:
             }
         }
         if (candidates.size() >= 2) {
-            std::sort(candidates.begin(), candidates.end());
+            if (!std::is_sorted(candidates.begin(), candidates.end())) {
+                std::sort(candidates.begin(), candidates.end());
+            }
             result.replacement = shown(common_prefix(candidates, shortest), look);
         }
         result.output = "\n";
