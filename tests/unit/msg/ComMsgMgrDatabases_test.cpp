@@ -2,51 +2,39 @@
 
 #include <climits>
 #include <cstdio>
-#include <sqlite3.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
 #include "platform/msg/ComMsgMgrThreadIface.h"
 #include "platform/msg/HEX.h"
+#include "platform/msg/detail/Sqlite.h"
 
 namespace {
 
 using M = ComMsgMgr;
 
-/// Another program's view of a database.
+/// Another connection to a database, as of another program.
 class Reader {
 public:
-    explicit Reader(const std::string& path) {
-        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &m_db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-    }
-    ~Reader() { sqlite3_close(m_db); }
+    explicit Reader(const std::string& path, bool create = false) : m_db(path, create) {}
 
     /// The rows, columns separated by "|".
     std::vector<std::string> rows(const std::string& sql) {
         std::vector<std::string> result;
-        sqlite3_stmt* statement = nullptr;
-        EXPECT_EQ(sqlite3_prepare_v2(m_db, sql.c_str(), -1, &statement, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(m_db);
-        while (sqlite3_step(statement) == SQLITE_ROW) {
+        com_msg_mgr::Sqlite::Statement statement(m_db, sql.c_str());
+        while (statement.step()) {
             std::string row;
-            for (int i = 0; i < sqlite3_column_count(statement); ++i) {
-                const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, i));
-                row += i ? "|" : "";
-                row.append(bytes ? bytes : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, i)));
-            }
+            for (int i = 0; i < statement.columns(); ++i)
+                row.append(i ? "|" : "").append(statement.text(i));
             result.push_back(row);
         }
-        sqlite3_finalize(statement);
         return result;
     }
-    void run(const std::string& sql) {
-        EXPECT_EQ(sqlite3_exec(m_db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(m_db);
-    }
+    void run(const std::string& sql) { m_db.run(sql.c_str()); }
 
 private:
-    sqlite3* m_db = nullptr;
+    com_msg_mgr::Sqlite m_db;
 };
 
 class ComMsgMgrDatabases : public MsgTest {
@@ -256,13 +244,7 @@ TEST_F(ComMsgMgrDatabases, onlyAMessageDatabaseIsReplaced) {
 }
 
 TEST_F(ComMsgMgrDatabases, aDatabaseOfAnotherProgramIsLeftAlone) {
-    {
-        sqlite3* db = nullptr;
-        ASSERT_EQ(sqlite3_open(path("other.db").c_str(), &db), SQLITE_OK);
-        sqlite3_exec(db, "CREATE TABLE messages(text); INSERT INTO messages VALUES('mine')", nullptr, nullptr,
-                     nullptr);
-        sqlite3_close(db);
-    }
+    Reader(path("other.db"), true).run("CREATE TABLE messages(text); INSERT INTO messages VALUES('mine')");
     EXPECT_FALSE(M::isMsgDb(path("other.db")));
     EXPECT_EQ(reason([&] { M::createMsgDb(path("other.db")); }),
               "ERROR: [Common 17-5484] The file '" + path("other.db") +

@@ -84,6 +84,10 @@ void Sqlite::Statement::reset() {
     sqlite3_reset(m_statement);
 }
 
+int Sqlite::Statement::columns() const {
+    return sqlite3_column_count(m_statement);
+}
+
 std::string_view Sqlite::Statement::text(int column) const {
     const auto* bytes = static_cast<const char*>(sqlite3_column_blob(m_statement, column));
     return bytes

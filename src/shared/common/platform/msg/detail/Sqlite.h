@@ -51,6 +51,7 @@ public:
         /// Goes to the next row; false behind the last one.
         bool step();
         void reset();
+        int columns() const;
         /// Columns count from 0. The text is valid until the next step().
         std::string_view text(int column) const;
         std::int64_t number(int column) const;
