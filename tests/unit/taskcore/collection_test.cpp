@@ -291,7 +291,22 @@ TEST_F(Collection, IsOfValueTypeTellsObjectsAndCollections) {
     EXPECT_TRUE(all.body().is_of_value_type(tclobj_ref(native_wrapper<gates>::convert_to_tcl(abc())).get()));
     EXPECT_FALSE(all.body().is_of_value_type(tclobj_ref(native_wrapper<wire*>::convert_to_tcl(&w)).get()));
     EXPECT_FALSE(all.body().is_of_value_type(text_value("a").get()));
+    const strings texts(HSTVector<std::string>{"x"});
+    EXPECT_TRUE(texts.body().is_of_value_type(text_value("a").get()));
+    EXPECT_FALSE(texts.body().is_of_value_type(tclobj_ref(native_wrapper<gate*>::convert_to_tcl(&a)).get()));
+    const anys mixed;
+    EXPECT_TRUE(mixed.body().is_of_value_type(text_value("a").get()));
+    EXPECT_TRUE(mixed.body().is_of_value_type(tclobj_ref(native_wrapper<wire*>::convert_to_tcl(&w)).get()));
     native_cache<wire*>::forget(&w);
+}
+
+TEST_F(Collection, AnObjectOfAnotherFormIsStillOfItsType) {
+    const gates all = abc();
+    const tclobj_ref one = native_wrapper<gate*>::convert_to_tcl(&a);
+    int count = 0;
+    ASSERT_EQ(Tcl_ListObjLength(nullptr, one.get(), &count), TCL_OK);
+    ASSERT_EQ(detail::GetTclTypeInfo(one.get()), nullptr);
+    EXPECT_TRUE(all.body().is_of_value_type(one.get()));
 }
 
 TEST_F(Collection, AWordWithABlankIsAListAtTheTop) {

@@ -7,8 +7,10 @@
 #include <cstring>
 
 #include "platform/param/HPAParamMgr.h"
+#include "platform/taskcore/native_cache_base.h"
 #include "platform/taskcore/tcl_globals.h"
 #include "platform/tcl/HTCTclEncoding.h"
+#include "tcltasks/core/tclany.h"
 
 namespace vek::tcltasks::detail {
 
@@ -87,11 +89,14 @@ void collection_wrapper_base::invalidate_tcllist() {
 }
 
 bool collection_wrapper_base::is_of_value_type(Tcl_Obj* obj) const {
+    if (get_value_type_info() == typeid(tclany)) {
+        return true;
+    }
     if (const auto* other = get_collection(obj)) {
         return other->get_value_type_info() == get_value_type_info();
     }
-    const itcltypeinfo* info = GetTclTypeInfo(obj);
-    return info && info->get_type_info() == get_value_type_info();
+    const itcltypeinfo* info = native_cache_base::type_behind(obj);
+    return (info ? info->get_type_info() : typeid(std::string)) == get_value_type_info();
 }
 
 collection_wrapper_base* get_collection(const Tcl_Obj* obj) {

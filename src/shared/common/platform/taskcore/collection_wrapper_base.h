@@ -78,7 +78,8 @@ public:
     }
     void clear_collection_context() { set_collection_context(nullptr); }
 
-    /// True if the value is a native object, or a collection, of this collection's element type.
+    /// True if the value is an object, or a collection, of this collection's element type; text is of the
+    /// type of texts, and anything is of that of mixed elements.
     bool is_of_value_type(Tcl_Obj* obj) const;
 
 private:

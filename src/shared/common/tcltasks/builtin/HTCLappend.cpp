@@ -5,6 +5,7 @@
 
 #include "platform/taskcore/HTCErrors.h"
 #include "platform/taskcore/collection_wrapper_base.h"
+#include "platform/taskcore/native_cache_base.h"
 #include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/builtin/HTCBuiltinCmds.h"
 #include "tcltasks/builtin/HTCBuiltinUtils.h"
@@ -39,7 +40,7 @@ void append_value(Tcl_Interp* interp, detail::collection_wrapper_base& target, T
     static const Tcl_ObjType* const listType = Tcl_GetObjType("list");
     if (const auto* collection = detail::get_collection(value)) {
         target.append_collection(collection);
-    } else if (value->typePtr == listType) {
+    } else if (value->typePtr == listType && !native_cache_base::type_behind(value)) {
         int count = 0;
         Tcl_Obj** elements = nullptr;
         if (Tcl_ListObjGetElements(nullptr, value, &count, &elements) == TCL_OK) {
