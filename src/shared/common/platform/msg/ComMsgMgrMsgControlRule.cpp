@@ -248,7 +248,7 @@ ComMsgMgrRuleParts ComMsgMgrMsgControlRule::partsOf(const Attributes& list) {
             continue;
         }
         const auto known = std::find_if(std::begin(attributes), std::end(attributes),
-                                        [&key](const Attribute& one) { return one.key == key; });
+                                        [&name = key](const Attribute& one) { return one.key == name; });
         if (known == std::end(attributes))
             throw failure("@17-5464@%s\n", key);
         known->set(parts, key, text);

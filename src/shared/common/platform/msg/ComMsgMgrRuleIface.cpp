@@ -190,7 +190,7 @@ bool ComMsgMgrRuleIface::cancelRedirect(const std::string& id) {
 
 void ComMsgMgrRuleIface::getRedirects(std::vector<std::string>& list, const std::string& id) {
     for (const auto& [redirected, file] : MsgRedirects::get().list(id))
-        list.push_back('\'' + redirected + "' goes to '" + file + "'.");
+        list.emplace_back("'").append(redirected).append("' goes to '").append(file).append("'.");
 }
 
 std::string ComMsgMgrRuleIface::addSuppressRuleCmd(const std::string& id, const Strings& strings,

@@ -43,7 +43,7 @@ std::vector<Attributes> show_key_values() {
         rule.getMsgRuleAttributes(list);
         text += "Rule: ";
         for (const auto& [key, value] : list) {
-            text += ' ' + key + '(' + value + ')';
+            text.append(1, ' ').append(key).append(1, '(').append(value).append(1, ')');
         }
         text += '\n';
     });

@@ -65,7 +65,7 @@ std::string RuleStore::add(ComMsgMgrRuleParts parts) {
                 return at->second->rule->ruleId();
     if (parts.ruleId.empty() || m_entries.contains(parts.ruleId))
         parts.ruleId = freeId();
-    const std::string ruleId = parts.ruleId;
+    std::string ruleId = parts.ruleId;
     const bool ofProject = parts.kept && m_projectOpen;
     const std::uint64_t rank = RuleEntry::rankOf(parts, ++m_sequence);
     auto rule = std::make_shared<const ComMsgMgrMsgControlRule>(std::move(parts));
