@@ -3,11 +3,22 @@
 #include <stdexcept>
 
 #include "platform/env/HUTEnv.h"
+#include "platform/property/HCPProperty.h"
 #include "platform/taskcore/help_page.h"
 #include "platform/taskcore/task_options_base.h"
+#include "platform/tcl/HTCTclUtils.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
+
+namespace {
+struct sample_object {};
+} // namespace
+
+template <>
+struct vek::tcltasks::native_object<sample_object*> {
+    static std::string name(const sample_object*) { return "sample"; }
+};
 
 // Tasks whose declaration each shows one thing that help has to deal with.
 namespace {
@@ -177,13 +188,28 @@ Tcl_Obj* tcl_debug(Tcl_Interp*, int, Tcl_Obj* const* words) {
     return Tcl_NewObj();
 }
 
+// Registers a class of objects without properties and description.
+Tcl_Obj* add_class(Tcl_Interp*, int, Tcl_Obj* const*) {
+    HCPProperty::registerObjectType<sample_object*>()->setName("sample_class");
+    return Tcl_NewObj();
+}
+
+// Makes the run mode "tcl", "batch" or "gui" for those who ask.
+Tcl_Obj* mode(Tcl_Interp*, int, Tcl_Obj* const* words) {
+    static std::string& word = *new std::string;
+    word = text(words[0]);
+    HTCTclUtils::setModeQuery([] { return word.c_str(); });
+    return Tcl_NewObj();
+}
+
 } // namespace
 
 extern "C" int Help_samples_Init(Tcl_Interp* interp) {
     static auto& commands = *new std::map<std::string, function>{
         {"help_samples::add", add_samples},          {"help_samples::tasks", tasks},
         {"help_samples::options", declared_options}, {"help_samples::page", page},
-        {"help_samples::tcl_debug", tcl_debug},
+        {"help_samples::tcl_debug", tcl_debug},      {"help_samples::mode", mode},
+        {"help_samples::add_class", add_class},
     };
     for (auto& [name, run] : commands) {
         Tcl_CreateObjCommand(interp, name.c_str(), call, &run, nullptr);

@@ -104,7 +104,7 @@ TEST_F(ComMsgMgrQueries, helpHasWordsDescriptionAndResolution) {
     std::string help;
     for (const char* id : {"Trial 90-2", "[Trial 90-2]", " trial 90-2 "}) {
         ASSERT_TRUE(M::getHelpOnMessage(id, help)) << id;
-        EXPECT_EQ(help, "[Trial 90-2] One '%s'.\n\nDescription:\nd\n\nResolution:\nr\n");
+        EXPECT_EQ(help, "[Trial 90-2] One '%s'.\n\nSeverity:\nERROR\n\nDescription:\nd\n\nResolution:\nr\n");
     }
     for (const char* id : {"", "Trial", "Trial 90-99", "Nosuch 1-1", "90-2"}) {
         EXPECT_FALSE(M::getHelpOnMessage(id, help)) << id;

@@ -1,7 +1,9 @@
 // common::help ?PATTERN? ?-category NAME? ?-args|-syntax|-long? ?-list|-w|-all? ?-hidden? ?-class NAME?
 // Tells of commands, classes of objects, properties, messages and Tcl itself. Fails when nothing matches.
 #include <algorithm>
+#include <span>
 
+#include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTEnv.h"
 #include "platform/env/HUTPathUtils.h"
 #include "platform/env/HUTTextTable.h"
@@ -45,10 +47,18 @@ HEXError nothing_found(const std::string& pattern, const std::string& category) 
     return pattern == "*" ? error("@17-24@%s\n", category) : error("@17-26@%s%s\n", category, pattern);
 }
 
+// What a long description says first, on one line.
+std::string first_paragraph(const std::string& description) {
+    std::string text(HSTStringUtils::trim(description));
+    text.erase(std::min(text.find("\n\n"), text.size()));
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
 std::string summary_description(Tcl_Interp* interp, const HelpInfo& topic) {
     switch (topic.type) {
     case HelpInfo::task_topic:
-        return topic.task->task_description();
+        return first_paragraph(topic.task->task_description());
     case HelpInfo::auto_loaded:
         return "This command is auto loaded by Tcl. To explicitly load the command type '" +
                features::getLoadCommandForCommand(interp, topic.name) + "'.";
@@ -101,6 +111,23 @@ std::string sources(const std::vector<HelpInfo>& topics) {
         text += (text.empty() ? "" : "\n") + (topic.path.empty() ? "tcl task: " + topic.name : topic.path);
     }
     return text;
+}
+
+// Sets the paragraphs on a message below their headings, indented.
+std::string message_layout(const std::string& text) {
+    const auto lines = HSTStringUtils::split(HSTStringUtils::trim(text), '\n');
+    std::string out = format::formatText(lines[0], 80) + "\n";
+    for (const std::string& line : std::span(lines).subspan(1)) {
+        if (line.empty() || line.ends_with(":")) {
+            out += line + "\n";
+            continue;
+        }
+        for (const std::string& piece : HSTStringUtils::split(format::formatText(line, 78), '\n')) {
+            out += "  " + piece + "\n";
+        }
+    }
+    out.pop_back();
+    return out;
 }
 
 // Fails with the message, and below it with what may help on.
@@ -214,7 +241,7 @@ int task::messageHelp() const {
         throw HTCErrors::command_failed(text);
     }
     ComMsgMgr::sendMsg(ComMsgMgrInstance::createInstance("common", ComMsgMgr::MSGTYPE_STATUS, "%s\n",
-                                                         {format::formatText(text, 80)}));
+                                                         {message_layout(text)}));
     return TCL_OK;
 }
 

@@ -8,7 +8,6 @@
 #include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTEnv.h"
 #include "platform/env/HUTFile.h"
-#include "platform/env/HUTPathUtils.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/taskcore/options_description.h"
 #include "platform/taskcore/task_manager.h"
@@ -24,24 +23,33 @@ namespace HTCHelp::detail {
 
 namespace {
 
-// The commands that are looked at, sorted by the names under which users know them.
-std::vector<std::string> candidates() {
+std::string tail(const std::string& name) {
+    return name.substr(name.rfind(':') + 1);
+}
+
+// A command that is looked at.
+struct candidate {
+    std::string helpName; // the name under which users know it
+    std::string name;
+    bool global; // can be called by its plain name
+    auto operator<=>(const candidate&) const = default;
+};
+
+// All commands, sorted by the names under which users know them.
+std::vector<candidate> candidates() {
     std::vector<std::string> names;
     task_manager::getTaskNames(names);
     features::appendCommands(names);
-    std::vector<std::pair<std::string, std::string>> keyed;
-    keyed.reserve(names.size());
+    std::vector<candidate> all;
+    all.reserve(names.size());
     for (std::string& name : names) {
-        std::string helpName = HTCTclUtils::getCmdHelpName(g_interp, name);
-        keyed.emplace_back(std::move(helpName), std::move(name));
+        const bool global = HTCTclUtils::tclIsCmdInGlobalNamespace(g_interp, name);
+        std::string helpName = global ? tail(name) : name.substr(name.starts_with("::") ? 2 : 0);
+        all.push_back({std::move(helpName), std::move(name), global});
     }
-    std::sort(keyed.begin(), keyed.end());
-    keyed.erase(std::unique(keyed.begin(), keyed.end()), keyed.end());
-    names.clear();
-    for (auto& [helpName, name] : keyed) {
-        names.push_back(std::move(name));
-    }
-    return names;
+    std::sort(all.begin(), all.end());
+    all.erase(std::unique(all.begin(), all.end()), all.end());
+    return all;
 }
 
 // The name that a pattern is compared with.
@@ -64,10 +72,6 @@ bool in_visible_namespace(const std::string& name) {
     }
     const auto& visible = g_visibleNamespaces();
     return std::binary_search(visible.begin(), visible.end(), name.substr(start, end - start));
-}
-
-std::string tail(const std::string& name) {
-    return name.substr(name.rfind(':') + 1);
 }
 
 std::shared_ptr<itask> make_task(const std::string& name) {
@@ -107,9 +111,6 @@ std::string page_help_name(const std::string& name) {
 // The names of the files of a directory that match, sorted.
 std::vector<std::string> page_names(const std::string& directory, const HTCTclPatternMatch& matcher) {
     std::vector<std::string> names;
-    if (!HUTPathUtils::exists(directory)) {
-        return names;
-    }
     try {
         for (const HUTFile& entry : HUTFile(directory).createFileIter()) {
             std::string name = entry.getName();
@@ -118,8 +119,10 @@ std::vector<std::string> page_names(const std::string& directory, const HTCTclPa
             }
         }
     } catch (const std::system_error& failure) {
-        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5440@%s%s\n", directory,
-                           failure.code().message());
+        if (failure.code() != std::errc::no_such_file_or_directory) {
+            ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5440@%s%s\n", directory,
+                               failure.code().message());
+        }
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -154,12 +157,11 @@ void HelpResolver::findTasks(bool hidden, const std::string& pattern, const std:
     const HTCTclPatternMatch matcher(pattern);
     const bool everywhere = hidden || pattern.find("::") != std::string::npos;
     const bool broad = pattern.empty() || matcher.hasWildcards();
-    for (const std::string& name : candidates()) {
-        const std::string helpName = matched_name(name);
+    for (auto& [knownAs, name, global] : candidates()) {
+        std::string helpName = matched_name(name);
         if (is_internal(helpName)) {
             continue;
         }
-        const bool global = HTCTclUtils::tclIsCmdInGlobalNamespace(g_interp, name);
         if (!everywhere && !global && !in_visible_namespace(name)) {
             continue;
         }
@@ -181,8 +183,7 @@ void HelpResolver::findTasks(bool hidden, const std::string& pattern, const std:
             if (!broad) {
                 task_manager::warnIfDeprecated(g_interp, task.get());
             }
-            results.push_back(
-                {name, HTCTclUtils::getCmdHelpName(g_interp, name), {}, HelpInfo::task_topic, task});
+            results.push_back({name, knownAs, {}, HelpInfo::task_topic, task});
         } else if (category.empty() && features::isCommand(name)) {
             results.push_back({name, helpName, {}, HelpInfo::auto_loaded, nullptr});
         }
@@ -198,14 +199,13 @@ void HelpResolver::findManPages(const std::string& pattern, HelpInfo::TopicType 
     const HTCTclPatternMatch matcher(pattern.empty() ? "*" : pattern);
     for (const std::string& root : HUTEnv::getOMUAppRootList()) {
         const std::string separator(HUTFile::getDirSeparator());
-        const std::string directory =
-            root + separator + "doc" + separator + "eng" + separator + "tcl" + separator;
+        const std::string directory = root + separator + "doc" + separator + "eng" + separator + "tcl";
         for (const std::string& name : page_names(directory, matcher)) {
             const std::string helpName = page_help_name(name);
             const HelpInfo::TopicType type =
                 isTclPackage(helpName) ? HelpInfo::tcl_package : HelpInfo::tcl_builtin;
             if ((wanted == HelpInfo::man_page || wanted == type) && taken.insert(name).second) {
-                results.push_back({name, helpName, directory + name, type, nullptr});
+                results.push_back({name, helpName, directory + separator + name, type, nullptr});
             }
         }
     }

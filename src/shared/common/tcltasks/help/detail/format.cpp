@@ -10,13 +10,14 @@ namespace {
 
 // The bytes of the characters at the start of a text that fill up to `width` columns; at least one character.
 size_t fitting(std::string_view text, size_t width) {
-    size_t at = 0;
+    size_t at = 0, columns = 0;
     while (at < text.size()) {
         size_t next = at + 1;
         while (next < text.size() && (static_cast<unsigned char>(text[next]) & 0xc0) == 0x80) {
             ++next;
         }
-        if (at > 0 && HSTStringUtils::display_width(text.substr(0, next)) > width) {
+        columns += HSTStringUtils::display_width(text.substr(at, next - at));
+        if (at > 0 && columns > width) {
             break;
         }
         at = next;
