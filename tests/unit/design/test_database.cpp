@@ -1,5 +1,7 @@
 #include "design/Database.h"
 
+#include "design/NetlistWriter.h"
+#include "design/Property.h"
 #include "netlists.h"
 
 using namespace design;
@@ -67,14 +69,33 @@ TEST(Database, AFailedReadLeavesAllAsItWas) {
     EXPECT_TRUE(cell->is_alive());
 }
 
-TEST(Database, FurtherNetlistsFromElsewhereAreRead) {
-    const std::filesystem::path folder =
-        std::getenv("CORVANE_NETLISTS") ? std::getenv("CORVANE_NETLISTS") : "";
-    if (folder.empty() || !std::filesystem::exists(folder))
-        GTEST_SKIP() << "CORVANE_NETLISTS names no folder of further netlists";
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().extension() == ".gz") {
-            Database database;
-            EXPECT_GT(database.read(entry.path().string()).count<Cell>(), 0u) << entry.path();
+// The example's netlist, and those in the folder that CORVANE_NETLISTS names, if it does.
+TEST(Database, NetlistsOfWholeDesignsAreReadWrittenAndReadAgain) {
+    std::vector<std::filesystem::path> files{std::filesystem::path(CORVANE_TEST_DATA) /
+                                             "../../examples/uart/uart.json"};
+    if (const char* folder = std::getenv("CORVANE_NETLISTS"))
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            if (entry.path().extension() == ".gz" || entry.path().extension() == ".json")
+                files.push_back(entry.path());
+    TemporaryFolder folder;
+    for (const std::filesystem::path& file : files) {
+        Database database;
+        const Design& design = database.read(file.string());
+        ASSERT_GT(design.count<Cell>(), 0u) << file;
+        for (uint32_t i = 0; i < design.count<Cell>(); i += 1 + design.count<Cell>() / 1000) {
+            Cell* const cell = design.object<Cell>(i);
+            EXPECT_EQ(find_one<Cell>(design, cell->name()), cell);
+            for (const std::string& name : list_properties(cell))
+                EXPECT_NO_THROW(get_property(cell, name)) << name;
+            for (uint32_t p = 0; p < cell->pin_count(); ++p)
+                EXPECT_EQ(cell->pin(p)->cell(), cell);
         }
+        const std::string copy = folder.file("copy.json.gz");
+        write_netlist(design, copy, true);
+        Database others;
+        const Design& again = others.read(copy);
+        EXPECT_EQ(all_names<Cell>(again), all_names<Cell>(design)) << file;
+        EXPECT_EQ(all_names<Net>(again), all_names<Net>(design)) << file;
+        EXPECT_EQ(all_names<Port>(again), all_names<Port>(design)) << file;
+    }
 }
