@@ -37,7 +37,7 @@ foreach {what text} {
     "two commands" {a [string length $::name] b [expr {$::value(k) * 2}] c}
 } {
     if {[subst $text] ne [tcl::subst $text]} {error "subst differs in: $text"}
-    row "subst of $what, again" [cost 20000 subst $text] "Tcl's subst" [cost 20000 tcl::subst $text] us "<= 1.5"
+    row "subst of $what, again" [cost 20000 subst [format %s $text]] "Tcl's subst" [cost 20000 tcl::subst [format %s $text]] us
     row "subst of $what, each text new" [cost_of_new 20000 subst $text] \
         "Tcl's subst" [cost_of_new 20000 tcl::subst $text] us "<= 1.5"
 }

@@ -15,13 +15,23 @@ using vek::tcltasks::tclobj_ref;
 
 namespace {
 
-// What is done one after the other. An index is gathered in a text of its own until its element is read.
+// What is done one after the other. Values are gathered in a stack of texts, words in a stack of commands.
 struct step {
-    enum kind { text, command, variable, index, element };
+    enum kind {
+        text,     // add the value
+        script,   // add the result of the script
+        variable, // add what the variable holds
+        gather,   // begin a text of its own
+        element,  // add what the array element holds whose index was gathered
+        command,  // begin a command
+        literal,  // add the value as a word
+        word,     // add what was gathered as a word
+        invoke,   // add the result of the command
+    };
 
     kind what;
-    tclobj_ref value; // the text, the script, or the name of the variable
-    size_t next = 0;  // the step behind the whole substitution that this one is part of
+    tclobj_ref value;
+    size_t next = 0; // the step behind the whole substitution that this one is part of
 };
 
 using program = std::vector<step>;
@@ -29,6 +39,21 @@ using program = std::vector<step>;
 Tcl_Obj* new_text(std::string_view text) {
     return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
 }
+
+std::string_view text_of(const Tcl_Token& token) {
+    return {token.start, static_cast<size_t>(token.size)};
+}
+
+// The outcome of one of Tcl's parsers, freed with it.
+struct parsed : Tcl_Parse {
+    parsed() {
+        numTokens = 0;
+        tokenPtr = staticTokens;
+    }
+    ~parsed() { Tcl_FreeParse(this); }
+    parsed(const parsed&) = delete;
+    parsed& operator=(const parsed&) = delete;
+};
 
 // Takes a text apart.
 class parser {
@@ -84,18 +109,18 @@ private:
     bool command() {
         const char* at = m_at + 1;
         for (;;) {
-            Tcl_Parse parse;
+            parsed parse;
             if (Tcl_ParseCommand(m_interp, at, static_cast<int>(m_end - at), 1, &parse) != TCL_OK) {
                 return false;
             }
+            const bool first = at == m_at + 1;
             at = parse.commandStart + parse.commandSize;
-            const char* const term = parse.term;
-            const bool closed = term < m_end && *term == ']' && !parse.incomplete;
-            Tcl_FreeParse(&parse);
-            if (closed) {
-                const size_t first = begin_substitution();
-                add(step::command, std::string_view(m_at + 1, static_cast<size_t>(term - m_at - 1)));
-                end_substitution(first);
+            if (parse.term < m_end && *parse.term == ']' && !parse.incomplete) {
+                const size_t begin = begin_substitution();
+                if (!first || !add_command(parse)) {
+                    add(step::script, {m_at + 1, static_cast<size_t>(parse.term - m_at - 1)});
+                }
+                end_substitution(begin);
                 m_at = at;
                 return true;
             }
@@ -107,7 +132,7 @@ private:
     }
 
     bool variable() {
-        Tcl_Parse parse;
+        parsed parse;
         if (Tcl_ParseVarName(m_interp, m_at, static_cast<int>(m_end - m_at), &parse, 0) != TCL_OK) {
             return false;
         }
@@ -120,48 +145,88 @@ private:
             m_text.append(token->start, static_cast<size_t>(token->size));
         }
         m_at += token->size;
-        Tcl_FreeParse(&parse);
         return true;
     }
 
     // A token of a variable, whose name and index follow it.
     void add_variable(const Tcl_Token* token) {
-        const std::string_view name(token[1].start, static_cast<size_t>(token[1].size));
         if (token->numComponents == 1) {
-            add(step::variable, name);
+            add(step::variable, text_of(token[1]));
             return;
         }
-        add(step::index, {});
-        for (int i = 2; i <= token->numComponents; ++i) {
-            const Tcl_Token& part = token[i];
-            switch (part.type) {
+        add(step::gather);
+        add_parts(token + 2, token->numComponents - 1);
+        add(step::element, text_of(token[1]));
+    }
+
+    // The tokens that an index or a word is made of.
+    void add_parts(const Tcl_Token* token, int count) {
+        for (const Tcl_Token* const end = token + count; token < end; ++token) {
+            switch (token->type) {
             case TCL_TOKEN_BS:
-                backslash(part.start);
+                backslash(token->start);
                 break;
             case TCL_TOKEN_COMMAND:
                 end_text();
-                add(step::command, std::string_view(part.start + 1, static_cast<size_t>(part.size - 2)));
+                add_nested(token->start + 1, static_cast<size_t>(token->size - 2));
                 break;
             case TCL_TOKEN_VARIABLE:
                 end_text();
-                add_variable(&part);
-                i += part.numComponents;
+                add_variable(token);
+                token += token->numComponents;
                 break;
             default:
-                m_text.append(part.start, static_cast<size_t>(part.size));
+                m_text += text_of(*token);
             }
         }
         end_text();
-        add(step::element, name);
+    }
+
+    // What stands in a pair of brackets, which is known to be well-formed.
+    void add_nested(const char* start, size_t size) {
+        parsed parse;
+        if (Tcl_ParseCommand(nullptr, start, static_cast<int>(size) + 1, 1, &parse) != TCL_OK ||
+            parse.term != start + size || !add_command(parse)) {
+            add(step::script, {start, size});
+        }
+    }
+
+    // A command is called with its words, which saves Tcl from compiling it. False for what has none, and for
+    // words that make several.
+    bool add_command(const Tcl_Parse& parse) {
+        const Tcl_Token* token = parse.tokenPtr;
+        for (int i = 0; i < parse.numWords; ++i, token += token->numComponents + 1) {
+            if (token->type == TCL_TOKEN_EXPAND_WORD) {
+                return false;
+            }
+        }
+        if (parse.numWords == 0) {
+            return false;
+        }
+        add(step::command);
+        token = parse.tokenPtr;
+        for (int i = 0; i < parse.numWords; ++i, token += token->numComponents + 1) {
+            if (token->type == TCL_TOKEN_SIMPLE_WORD) {
+                add(step::literal, text_of(token[1]));
+            } else {
+                add(step::gather);
+                add_parts(token + 1, token->numComponents);
+                add(step::word);
+            }
+        }
+        add(step::invoke);
+        return true;
     }
 
     // Of the commands of an unclosed bracket, those that are surely complete are run.
     void whole_commands() {
         const char* at = m_at + 1;
         const char* last = nullptr;
-        Tcl_Parse parse;
-        while (Tcl_ParseCommand(nullptr, at, static_cast<int>(m_end - at), 0, &parse) == TCL_OK) {
-            Tcl_FreeParse(&parse);
+        for (;;) {
+            parsed parse;
+            if (Tcl_ParseCommand(nullptr, at, static_cast<int>(m_end - at), 0, &parse) != TCL_OK) {
+                break;
+            }
             at = parse.term + (parse.term < parse.end);
             if (at == parse.end && parse.term == parse.end) {
                 break;
@@ -170,14 +235,13 @@ private:
         }
         if (last) {
             const size_t first = begin_substitution();
-            add(step::command, std::string_view(m_at + 1, static_cast<size_t>(last - m_at - 1)));
+            add(step::script, {m_at + 1, static_cast<size_t>(last - m_at - 1)});
             end_substitution(first);
         }
     }
 
-    void add(step::kind what, std::string_view value) {
-        steps.push_back({what, value.data() ? new_text(value) : nullptr});
-    }
+    void add(step::kind what) { steps.push_back({what, {}}); }
+    void add(step::kind what, std::string_view value) { steps.push_back({what, new_text(value)}); }
     void end_text() {
         if (!m_text.empty()) {
             add(step::text, m_text);
@@ -221,26 +285,56 @@ const Tcl_ObjType keptType = {"substitution", [](Tcl_Obj* obj) { delete &kept(ob
                               },
                               nullptr, nullptr};
 
-// What a value has besides its text may be dear, or the value itself: it is never replaced.
+// What a value has besides its text may be dear, or the value itself. Only another form of the same text is
+// given up.
 void keep(Tcl_Obj* text, const std::shared_ptr<const program>& steps, int kinds) {
+    static const Tcl_ObjType* const stringType = Tcl_GetObjType("string");
     if (text->typePtr == &keptType) {
         kept(text) = {steps, kinds};
-    } else if (!text->typePtr) {
+        return;
+    }
+    if (text->typePtr && text->typePtr == stringType) {
+        stringType->freeIntRepProc(text);
+        text->typePtr = nullptr;
+    }
+    if (!text->typePtr) {
         text->internalRep.otherValuePtr = new kept_program{steps, kinds};
         text->typePtr = &keptType;
     }
 }
 
+// What is gathered of values. A single one stays the value that it is.
+class gathered {
+public:
+    void append(Tcl_Obj* value) {
+        if (!m_value) {
+            m_value = value;
+            return;
+        }
+        if (Tcl_IsShared(m_value.get())) {
+            int length = 0;
+            const char* const bytes = Tcl_GetStringFromObj(m_value.get(), &length);
+            m_value = Tcl_NewStringObj(bytes, length);
+        }
+        Tcl_AppendObjToObj(m_value.get(), value);
+    }
+    Tcl_Obj* value() {
+        if (!m_value) {
+            m_value = Tcl_NewObj();
+        }
+        return m_value.get();
+    }
+
+private:
+    tclobj_ref m_value;
+};
+
 // One substitution under way.
 class run {
 public:
     run(std::shared_ptr<const program> steps, Tcl_InterpState error)
-        : m_steps(std::move(steps)), m_error(error), m_texts{Tcl_NewObj()} {}
-    ~run() {
-        if (m_error) {
-            Tcl_DiscardInterpState(m_error);
-        }
-    }
+        : m_steps(std::move(steps)), m_error(error) {}
+    ~run() { drop_error(); }
     run(const run&) = delete;
     run& operator=(const run&) = delete;
 
@@ -248,9 +342,9 @@ public:
     static int go_on(run* self, Tcl_Interp* interp) {
         while (self->m_at < self->m_steps->size()) {
             const step& due = (*self->m_steps)[self->m_at++];
-            if (due.what == step::command) {
-                Tcl_NRAddCallback(interp, after_command, self, nullptr, nullptr, nullptr);
-                return Tcl_NREvalObj(interp, due.value.get(), 0);
+            if (due.what == step::script || due.what == step::invoke) {
+                Tcl_NRAddCallback(interp, after_evaluation, self, nullptr, nullptr, nullptr);
+                return Tcl_NREvalObj(interp, self->evaluated(due), 0);
             }
             if (!self->perform(interp, due)) {
                 delete self;
@@ -261,7 +355,7 @@ public:
     }
 
 private:
-    static int after_command(ClientData data[], Tcl_Interp* interp, int code) {
+    static int after_evaluation(ClientData data[], Tcl_Interp* interp, int code) {
         run* const self = static_cast<run*>(data[0]);
         switch (code) {
         case TCL_OK:
@@ -284,34 +378,64 @@ private:
         return go_on(self, interp);
     }
 
+    // The script, or the command as a list, by which Tcl calls it directly.
+    Tcl_Obj* evaluated(const step& due) {
+        if (due.what == step::script) {
+            return due.value.get();
+        }
+        m_called = m_commands.back();
+        m_commands.pop_back();
+        return m_called.get();
+    }
+
     bool perform(Tcl_Interp* interp, const step& due) {
         switch (due.what) {
-        case step::text:
+        case step::gather:
+            m_inner.emplace_back();
+            return true;
+        case step::variable:
+            return read_variable(interp, due.value.get(), nullptr);
+        case step::element: {
+            gathered index = take_gathered();
+            return read_variable(interp, due.value.get(), index.value());
+        }
+        case step::command:
+            m_commands.emplace_back(Tcl_NewListObj(0, nullptr));
+            return true;
+        case step::literal:
+            Tcl_ListObjAppendElement(nullptr, m_commands.back().get(), due.value.get());
+            return true;
+        case step::word: {
+            gathered word = take_gathered();
+            Tcl_ListObjAppendElement(nullptr, m_commands.back().get(), word.value());
+            return true;
+        }
+        default:
             append(due.value.get());
             return true;
-        case step::index:
-            m_texts.emplace_back(Tcl_NewObj());
-            return true;
-        default: {
-            tclobj_ref index;
-            if (due.what == step::element) {
-                index = m_texts.back();
-                m_texts.pop_back();
-            }
-            Tcl_Obj* const value = Tcl_ObjGetVar2(interp, due.value.get(), index.get(), TCL_LEAVE_ERR_MSG);
-            if (value) {
-                append(value);
-            }
-            return value != nullptr;
-        }
         }
     }
 
-    void append(Tcl_Obj* value) { Tcl_AppendObjToObj(m_texts.back().get(), value); }
+    bool read_variable(Tcl_Interp* interp, Tcl_Obj* name, Tcl_Obj* index) {
+        Tcl_Obj* const value = Tcl_ObjGetVar2(interp, name, index, TCL_LEAVE_ERR_MSG);
+        if (value) {
+            append(value);
+        }
+        return value != nullptr;
+    }
+
+    void append(Tcl_Obj* value) { (m_inner.empty() ? m_outcome : m_inner.back()).append(value); }
+
+    gathered take_gathered() {
+        gathered taken = std::move(m_inner.back());
+        m_inner.pop_back();
+        return taken;
+    }
 
     // Gives up the substitution that is being made.
     void leave(size_t next) {
-        m_texts.resize(1);
+        m_inner.clear();
+        m_commands.clear();
         m_at = next;
     }
 
@@ -327,7 +451,7 @@ private:
             code = Tcl_RestoreInterpState(interp, std::exchange(m_error, nullptr));
         } else {
             Tcl_ResetResult(interp);
-            Tcl_SetObjResult(interp, m_texts.front().get());
+            Tcl_SetObjResult(interp, m_outcome.value());
         }
         delete this;
         return code;
@@ -335,7 +459,10 @@ private:
 
     std::shared_ptr<const program> m_steps;
     Tcl_InterpState m_error; // null for a well-formed text
-    std::vector<tclobj_ref> m_texts;
+    gathered m_outcome;
+    std::vector<gathered> m_inner; // of indices and words under way
+    std::vector<tclobj_ref> m_commands;
+    tclobj_ref m_called; // the command that runs
     size_t m_at = 0;
 };
 
