@@ -106,8 +106,13 @@ std::string ComMsgMgrProjIface::getProject() {
 void ComMsgMgrProjIface::followParameter() {
     Project& project = Project::get();
     std::lock_guard lock(project.mutex);
-    if (!project.listener)
+    if (project.listener)
+        return;
+    try {
         project.listener = HPAParamMgr::getParamMgr().addListener(follow);
+    } catch (const HEXError&) {
+        // Without parameters there is nothing to follow; whoever reads one hears why.
+    }
 }
 
 void ComMsgMgrProjIface::stopFollowingParameter() {
