@@ -209,9 +209,9 @@ public:
     static bool hasIssuedError();
     static void clearIssuedError();
 
-    /// Messages sent with a severity since the start, or with an id ("Common 17-153"), also those that a limit
-    /// stopped, not those that a rule suppressed. The lifetime count of errors can be set back by a command
-    /// that keeps its errors to itself.
+    /// Messages sent with a severity since the start, or with an id ("Common 17-153"), also those that a
+    /// limit stopped, not those that a rule suppressed. The lifetime count of errors can be set back by a
+    /// command that keeps its errors to itself.
     static unsigned getMsgCount(MsgMask severity);
     static unsigned getMsgCount(const std::string& id);
     /// Sets the counts of all ids that match a glob pattern back to 0.
