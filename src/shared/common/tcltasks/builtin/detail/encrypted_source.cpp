@@ -91,6 +91,7 @@ void encrypted_source::hide_commands(int code) {
     }
     if (!reason.empty() && is_tcls_refusal(Tcl_GetObjResult(m_interp), m_path.get())) {
         Tcl_SetObjResult(m_interp, HTCTclEncoding::tclNewStringObj(reason));
+        return;
     }
     hide_trace(m_interp, Tcl_ObjPrintf("(file \"%s\" line %d)", Tcl_GetString(m_path.get()),
                                        Tcl_GetErrorLine(m_interp)));
