@@ -117,6 +117,9 @@ gives "wkgot \[get_param tcl.undoSta\t\]" 77
 shows "create_property note \t" {\r\n.*cell .*port .*\r\n.*corvane% create_property note }
 shows "create_property \t" {\r\n<name> \r\n.*corvane% create_property }
 shows "send_msg_id -severity C\t" {C.*RITICAL\\ WARNING }
+shows "list_property -class ce\t" {ce.*ll }
+shows "get_property ref_n\t" {ref_n.*ame }
+shows "load_features netl\t" {netl.*ist_report }
 finish
 EXPECT
 run timeout 120 expect values.exp "$corvane"

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "platform/tcl/HTCTclInterp.h"
+#include "platform/taskcore/value_hints.h"
 #include "world.h"
 
 using HTCLibEdit::detail::complete;
@@ -100,9 +100,41 @@ TEST_F(Completion, AnotherInterpreterHasItsOwnCommands) {
 }
 
 TEST_F(Completion, WhatWasHiddenAfterAListingStaysAway) {
-    EXPECT_THAT(listed("wk_p^"), HasSubstr("wk_polish"));
-    eval("omu::hide_commands wk_polish");
-    EXPECT_EQ(listed("wk_p^"), "wk_paint wk_print ");
+    eval("proc wk_shed args {}; proc wk_shelf args {}");
+    EXPECT_EQ(listed("wk_s^"), "wk_shed wk_shelf ");
+    eval("omu::hide_commands wk_shed");
+    EXPECT_EQ(finished("wk_s^"), "wk_shelf ^");
+}
+
+TEST_F(Completion, ClassesAndTheirPropertiesAreOffered) {
+    EXPECT_EQ(finished("list_property -class attr_s^"), "list_property -class attr_spec ^");
+    const std::string properties = " " + listed("list_property_value -class attr_spec -name ^");
+    EXPECT_EQ(" " + listed("get_property ^"), properties) << "attr_spec is the only class here";
+    EXPECT_THAT(properties, HasSubstr(" type "));
+    EXPECT_EQ(tab("list_property_value -class nosuch -name zz^"), "redisplayed beep");
+}
+
+TEST_F(Completion, FeaturesAreOffered) {
+    EXPECT_EQ(finished("load_features netl^"), "load_features netlist_report ^");
+    EXPECT_EQ(listed("load_features ^"), "netlist_report session_tools ");
+}
+
+TEST_F(Completion, ASourceOfValuesThatFailsOffersNothing) {
+    vek::tcltasks::value_hints::add("wk_broken", [](Tcl_Interp*, const auto&) -> std::vector<std::string> {
+        throw std::runtime_error("no values today");
+    });
+    EXPECT_EQ(listed("zz_guess ^"), "<it> ");
+    EXPECT_EQ(tab("zz_guess zz^"), "redisplayed beep");
+}
+
+TEST_F(Completion, TheFirstSourceOfAKindStays) {
+    using vek::tcltasks::value_hints;
+    const auto one = [](Tcl_Interp*, const auto&) { return std::vector<std::string>{"one"}; };
+    const auto two = [](Tcl_Interp*, const auto&) { return std::vector<std::string>{"two"}; };
+    EXPECT_EQ(value_hints::find("wk_kind"), nullptr);
+    value_hints::add("wk_kind", one);
+    value_hints::add("wk_kind", two);
+    EXPECT_EQ((*value_hints::find("wk_kind"))(interp, {}), std::vector<std::string>{"one"});
 }
 
 } // namespace

@@ -60,6 +60,20 @@ public:
     int execute() override { return TCL_OK; }
 };
 
+/// zz_guess: an option whose values come from a source that fails.
+class guess : public HTCITaskHelper<guess> {
+public:
+    static constexpr const char* command = "zz_guess";
+    static void load_description() {
+        description_instance("Guess.", "")
+            .add_options()
+            .add_option("it", options::text(), "What")
+            .hint("wk_broken");
+        positional_instance().add("it", 1);
+    }
+    int execute() override { return TCL_OK; }
+};
+
 /// wk_bare: no option at all.
 class bare : public HTCITaskHelper<bare> {
 public:
@@ -150,6 +164,7 @@ Completion::Completion() : m_before(std::filesystem::current_path()) {
     register_task<build>(interp);
     register_task<one>(interp);
     register_task<bare>(interp);
+    register_task<guess>(interp);
     register_task<common>(interp);
     register_task<secret>(interp);
     register_task<old>(interp);

@@ -15,7 +15,8 @@ class value_hints {
 public:
     /// The options that the line already gives, by name, as far as their values need no substitution.
     using given_options = std::map<std::string, std::string, std::less<>>;
-    /// All values that could stand, in any order and in the system encoding. Must not run scripts.
+    /// All values that could stand, in any order and in the system encoding. Must not change anything that a
+    /// user could see; one that throws offers nothing.
     using source = std::function<std::vector<std::string>(Tcl_Interp*, const given_options&)>;
 
     /// A second source of one kind is refused: the first one stays.

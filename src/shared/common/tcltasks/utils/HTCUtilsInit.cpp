@@ -1,6 +1,9 @@
 #include "tcltasks/utils/HTCUtilsInit.h"
 
+#include "platform/env/HSTStringUtils.h"
+#include "platform/taskcore/value_hints.h"
 #include "tcltasks/core/task.h"
+#include "tcltasks/utils/detail/Features.h"
 
 using vek::tcltasks::task_entry;
 
@@ -68,6 +71,12 @@ const task_entry* const load_feature[] = {
     &hide_features::entry,
 };
 
+std::vector<std::string> features_to_load(Tcl_Interp* interp,
+                                          const vek::tcltasks::value_hints::given_options&) {
+    Features::init(interp);
+    return HSTStringUtils::split(Features::getAll(interp, true), ' ');
+}
+
 const task_entry* const register_task_cmds[] = {
     &unregister_task::entry,
 };
@@ -92,6 +101,7 @@ void HTCCheckEnv::uninit() {
 
 void HTCLoadFeature::init(Tcl_Interp* interp) {
     add_tasks(load_feature, interp);
+    vek::tcltasks::value_hints::add("feature", features_to_load);
 }
 
 void HTCLoadFeature::uninit() {

@@ -402,7 +402,7 @@ private:
         }
         names list = option.choices;
         if (const auto* source = value_hints::find(option.hint); list.empty() && source) {
-            list = (*source)(m_interp, given);
+            list = values_from(*source, given);
         } else if (list.empty() && dynamic_cast<tcl_value_semantic<bool>*>(option.semantic.get())) {
             list = {"false", "true"};
         }
@@ -411,6 +411,14 @@ private:
         }
         std::erase_if(list, [&](const std::string& value) { return !value.starts_with(prefix); });
         return list;
+    }
+
+    names values_from(const value_hints::source& source, const value_hints::given_options& given) {
+        try {
+            return source(m_interp, given);
+        } catch (const std::exception&) {
+            return {};
+        }
     }
 
     // Gives the words of the line to the options of the command as a call would, and tells which option the
