@@ -64,7 +64,18 @@ foreach category {Object TclBuiltIn} {
     row "help -category $category, [dict size $topics] topics" [cost {help -category $::category}] \
         "the same text by format" [cost {summary $::topics}] us
 }
-set page [help -w lassign]
-row "help lassign, a manual page" [cost {help lassign}] "reading the file" [cost {contents $::page}] us
-row "help get_property, a command's help" [cost {help get_property}] "reading a manual page" [cost {contents $::page}] us
-row "help get_proprty, an unknown name" [cost {catch {help get_proprty}}] "summary by format" [cost {summary $::all}] us
+# The manual page of a name, looked for and read by a script.
+proc read_page {roots name} {
+    foreach root $roots {
+        foreach file [glob -nocomplain -directory [file join $root doc eng tcl] $name] {
+            return [contents $file]
+        }
+    }
+}
+set roots [list [omu::get_app_root] [file join [omu::get_app_root] share tcl8.6]]
+row "help lassign, a manual page" [cost {help lassign}] \
+    "glob for the page, and read it" [cost {read_page $::roots lassign}] us
+row "help get_property, a command's help" [cost {help get_property}] \
+    "glob for a page, and read it" [cost {read_page $::roots lassign}] us
+row "help get_proprty, an unknown name" [cost {catch {help get_proprty}}] \
+    "all manual pages read" [cost {foreach f [glob -directory [lindex $::roots 1]/doc/eng/tcl *] {contents $f}}] us

@@ -119,14 +119,11 @@ std::string choice_note(const options_description::option& option) {
     return text.empty() ? text : text + ".";
 }
 
-std::string capital(std::string text) {
+// A help text as a sentence: with a capital at its start and a full stop at its end.
+std::string sentence(std::string text) {
     if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') {
         text[0] = static_cast<char>(text[0] - 'a' + 'A');
     }
-    return text;
-}
-
-std::string sentence(std::string text) {
     if (!text.empty() && std::string_view(".!?").find(text.back()) == std::string_view::npos) {
         text += '.';
     }
@@ -200,12 +197,24 @@ void write_name(std::ostream& out, const std::string& name, const std::string& d
     }
     out << "  " << name << '\n';
     for (const std::string& line : lines) {
-        wrap(out << "    ", line, 4, 4);
+        wrap(out << (line.empty() ? "" : "    "), line, 4, 4);
     }
 }
 
+// A switch with its value stays on one line.
 void write_syntax(std::ostream& out, const task_options_base& task, const std::string& name) {
-    wrap(out << "SYNTAX\n  ", usage(task, name), 6, 2);
+    constexpr char joint = '\1';
+    std::string text = usage(task, name);
+    int depth = 0;
+    for (char& c : text) {
+        depth += c == '[' ? 1 : c == ']' ? -1 : 0;
+        c = c == ' ' && depth > 0 ? joint : c;
+    }
+    std::ostringstream lines;
+    wrap(lines << "  ", text, 6, 2);
+    text = lines.str();
+    std::replace(text.begin(), text.end(), joint, ' ');
+    out << "SYNTAX\n" << text;
 }
 
 void write_section(std::ostream& out, const char* heading, const std::string& lines) {
@@ -255,7 +264,7 @@ std::string task_options_base::help(Tcl_Interp* interp, const std::string& name,
     write_arguments(out << "\nARGUMENTS\n", *this);
     write_section(out, "DESCRIPTION", page.description());
     if (!description.returns().empty()) {
-        wrap(out << "\nRETURNS\n  ", sentence(capital(description.returns())), 2, 2);
+        wrap(out << "\nRETURNS\n  ", sentence(description.returns()), 2, 2);
     }
     write_section(out, "EXAMPLES", page.examples());
     if (const std::string names = visible_categories(*this); !names.empty()) {
