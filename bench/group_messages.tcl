@@ -43,7 +43,8 @@ set_param messaging.defaultLimit 2147483647
 set shown [cost 1000000 3 $send]
 bench::no_console
 set puts [cost 1000000 3 "puts \$file [list $line]"]
-row "send_msg_id into the log" [cost 1000000 3 $send] "Tcl puts of the line to a file" $puts us "<= 3"
+set sent [cost 1000000 3 $send]
+row "send_msg_id into the log" $sent "Tcl puts of the line to a file" $puts us "<= 3"
 row "send_msg_id into the log and to /dev/null" $shown "Tcl puts of the line to a file" $puts us
 
 foreach {threads words} {1 "a message from C++ into the log" 8 "the same on 8 threads at once"} {
@@ -76,6 +77,35 @@ set_msg_config -id {Common 17-138} -suppress
 row "a message that a rule suppresses" [median 5 {bench::send_from_threads 1000000 1}] "one that is shown" $plain us \
     "<= 1.5"
 without_rules
+
+# A message database, as far as the sender notices it, and until it is whole.
+set database $other.db
+create_msg_db $database
+row "send_msg_id with an open message database" [cost 1000000 3 $send] "the same without" $sent us "<= 1.5"
+close_msg_db $database
+set beside [median 3 {
+    create_msg_db $database
+    set result [bench::send_from_threads 1000000 1]
+    close_msg_db $database
+    set result
+}]
+row "a message from C++ with an open message database" $beside "the same without" $plain us "<= 2"
+set until_whole [median 3 {
+    create_msg_db $database
+    expr {[lindex [time {bench::send_from_threads 1000000 1; close_msg_db $database}] 0] / 1e6}
+}]
+exec sqlite3 -csv $database "select time, severity, default_severity, id, subsystem, text, suppressed, command, thread,
+    mask from messages" >$other
+row "a message in a database, until 1,000,000 are whole" $until_whole \
+    "the sqlite3 program importing such rows from a text file" [median 3 {
+    set result [expr {[lindex [time {
+        exec sqlite3 $other.import "create table messages(time, severity, default_severity, id, subsystem, text,
+            suppressed, command, thread, mask)" ".import --csv $other messages"
+    }] 0] / 1e6}]
+    file delete $other.import
+    set result
+}] us "<= 1"
+file delete $database
 
 set_param messaging.defaultLimit 0
 row "send_msg_id that a limit stops" [cost 200000 9 $send] \

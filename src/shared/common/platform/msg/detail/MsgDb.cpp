@@ -13,6 +13,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -118,20 +119,29 @@ private:
         ComMsgMgrMask mask, defaultMask;
         int thread;
         bool suppressed, newCommand;
-        std::size_t id, subsystem, text, command; // sizes
+        std::uint32_t id, subsystem, text, command; // sizes
     };
 
-    /// A batch is written when so much has come together, or so much time has passed.
-    static constexpr std::size_t batch_bytes = 256 << 10;
+    /// A part of the queue: messages one behind the other.
+    struct Chunk {
+        std::string bytes;
+        std::uint64_t messages = 0;
+    };
+
+    /// What waits is written when so much has come together, or so much time has passed.
+    static constexpr std::size_t chunk_bytes = 256 << 10;
     static constexpr auto batch_time = 100ms;
+    /// So many chunks at most are one transaction.
+    static constexpr std::size_t batch_chunks = 16;
     /// More than this does not wait; the sender does.
-    static constexpr std::size_t max_waiting = std::size_t(64) << 20;
+    static constexpr std::size_t max_waiting = std::size_t(256) << 20;
     /// How long another program may keep the writer from a batch, at each of so many tries.
     static constexpr auto patience = 2000ms;
     static constexpr int max_tries = 5;
 
     void run();
-    void write(const std::string& batch);
+    void write(std::span<const Chunk> batch);
+    Chunk& chunkFor(std::size_t bytes);
     std::string_view insert(std::string_view rest);
     void fail(const std::string& reason);
 
@@ -144,10 +154,11 @@ private:
 
     mutable std::mutex m_mutex;             // guards the members below
     std::condition_variable m_work, m_done; // work for the thread; something has changed for the others
-    std::string m_waiting;
+    std::vector<Chunk> m_waiting;
+    std::vector<Chunk> m_spare;        // empty ones to be used again
+    std::size_t m_unwrittenBytes = 0;  // waiting or being written
     std::uint64_t m_commandNumber = 0; // of the command that was queued last
     std::uint64_t m_added = 0;
-    std::uint64_t m_batchEnd = 0; // how many had been added when the batch in work was taken
     std::uint64_t m_written = 0;
     bool m_hurried = false; // somebody waits for the batch
     bool m_closing = false;
@@ -233,7 +244,7 @@ Writer::Writer(const std::string& file) : m_path(file) {
     m_db->value("PRAGMA journal_mode=WAL");
     // From the first read on, other programs see that the file is in use.
     m_db->value("SELECT count(*) FROM messages");
-    m_db->run("PRAGMA synchronous=NORMAL; PRAGMA wal_autocheckpoint=4000");
+    m_db->run("PRAGMA synchronous=NORMAL; PRAGMA wal_autocheckpoint=16000");
     m_insert.emplace(*m_db,
                      "INSERT INTO messages(time,severity,default_severity,id,subsystem,text,suppressed,"
                      "command,thread,mask) VALUES(?1,?2,?3,?4,?5,?6,?7,?8,?9,?10)");
@@ -247,31 +258,49 @@ Writer::Writer(const std::string& file) : m_path(file) {
 
 void Writer::add(const MessageLine& message, const std::string& command, std::uint64_t commandNumber) {
     std::unique_lock lock(m_mutex);
-    if (m_waiting.size() > max_waiting)
-        m_done.wait(lock, [this] { return m_waiting.size() <= max_waiting || !m_failure.empty(); });
+    if (m_unwrittenBytes > max_waiting)
+        m_done.wait(lock, [this] { return m_unwrittenBytes <= max_waiting || !m_failure.empty(); });
     if (!m_failure.empty() || m_closing)
         return;
     const bool newCommand = commandNumber != m_commandNumber;
     m_commandNumber = commandNumber;
     const std::string_view id = message.id ? std::string_view(message.id->id) : std::string_view();
+    const std::string_view begun = newCommand ? std::string_view(command) : std::string_view();
+    const auto size = [](std::string_view text) { return static_cast<std::uint32_t>(text.size()); };
     const Head head{std::chrono::system_clock::now(),
                     message.mask,
                     message.defaultMask,
                     thread_number(),
                     message.suppressed,
                     newCommand,
-                    id.size(),
-                    message.subsystem.size(),
-                    message.text.size(),
-                    newCommand ? command.size() : 0};
-    const std::size_t before = m_waiting.size();
-    m_waiting.append(reinterpret_cast<const char*>(&head), sizeof head);
-    m_waiting.append(id).append(message.subsystem).append(message.text);
-    if (newCommand)
-        m_waiting += command;
+                    size(id),
+                    size(message.subsystem),
+                    size(message.text),
+                    size(begun)};
+    const std::size_t bytes =
+        sizeof head + id.size() + message.subsystem.size() + message.text.size() + begun.size();
+    Chunk& chunk = chunkFor(bytes);
+    chunk.bytes.append(reinterpret_cast<const char*>(&head), sizeof head);
+    chunk.bytes.append(id).append(message.subsystem).append(message.text).append(begun);
+    ++chunk.messages;
     ++m_added;
-    if (before == 0 || (before < batch_bytes && m_waiting.size() >= batch_bytes))
-        m_work.notify_one();
+    m_unwrittenBytes += bytes;
+}
+
+/// The last chunk, or a new one if the last one is full. Call with the mutex held.
+Writer::Chunk& Writer::chunkFor(std::size_t bytes) {
+    if (!m_waiting.empty() && m_waiting.back().bytes.capacity() - m_waiting.back().bytes.size() >= bytes)
+        return m_waiting.back();
+    if (m_waiting.size() <= 1)
+        m_work.notify_one(); // something waits now, or enough of it
+    if (m_spare.empty() || bytes > chunk_bytes) {
+        m_waiting.emplace_back();
+        m_waiting.back().bytes.reserve(std::max(chunk_bytes, bytes));
+    } else {
+        m_waiting.push_back(std::move(m_spare.back()));
+        m_spare.pop_back();
+    }
+    return m_waiting.back();
 }
 
 void Writer::flush() {
@@ -319,27 +348,36 @@ void Writer::run() {
         m_work.wait(lock, [this] { return !m_waiting.empty() || m_closing; });
         if (m_waiting.empty())
             return;
-        m_work.wait_for(lock, batch_time,
-                        [this] { return m_waiting.size() >= batch_bytes || m_hurried || m_closing; });
+        m_work.wait_for(lock, batch_time, [this] { return m_waiting.size() > 1 || m_hurried || m_closing; });
         m_hurried = false;
-        std::string batch;
-        batch.swap(m_waiting);
-        m_batchEnd = m_added;
-        lock.unlock();
-        m_done.notify_all();
-        try {
-            write(batch);
-        } catch (const SqliteError& error) {
-            fail(HUTPathUtils::exists(m_path) ? reason_of(error) : was_removed);
-            return;
+        std::vector<Chunk> taken;
+        taken.swap(m_waiting);
+        for (std::span<Chunk> rest = taken; !rest.empty();) {
+            const std::span<Chunk> batch = rest.first(std::min(batch_chunks, rest.size()));
+            rest = rest.subspan(batch.size());
+            lock.unlock();
+            try {
+                write(batch);
+            } catch (const SqliteError& error) {
+                fail(HUTPathUtils::exists(m_path) ? reason_of(error) : was_removed);
+                return;
+            }
+            lock.lock();
+            for (Chunk& chunk : batch) {
+                m_written += chunk.messages;
+                m_unwrittenBytes -= chunk.bytes.size();
+                if (chunk.bytes.capacity() <= 2 * chunk_bytes && m_spare.size() < batch_chunks) {
+                    chunk.bytes.clear();
+                    m_spare.push_back({std::move(chunk.bytes), 0});
+                }
+                chunk = {};
+            }
+            m_done.notify_all();
         }
-        lock.lock();
-        m_written = m_batchEnd;
-        m_done.notify_all();
     }
 }
 
-void Writer::write(const std::string& batch) {
+void Writer::write(std::span<const Chunk> batch) {
     for (int tries = 1;; ++tries) {
         try {
             m_db->run("BEGIN IMMEDIATE");
@@ -349,8 +387,9 @@ void Writer::write(const std::string& batch) {
                 throw;
         }
     }
-    for (std::string_view rest = batch; !rest.empty();)
-        rest = insert(rest);
+    for (const Chunk& chunk : batch)
+        for (std::string_view rest = chunk.bytes; !rest.empty();)
+            rest = insert(rest);
     m_db->run("COMMIT");
 }
 
@@ -384,8 +423,7 @@ void Writer::fail(const std::string& reason) {
     {
         std::lock_guard lock(m_mutex);
         m_failure = reason;
-        m_waiting.clear();
-        m_waiting.shrink_to_fit();
+        m_waiting = {};
     }
     m_done.notify_all();
     ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5482@%s%s\n", m_path, reason);
