@@ -3,6 +3,9 @@
 #include "design/Design.h"
 #include "design/Error.h"
 
+#include <algorithm>
+#include <numeric>
+
 namespace design {
 
 using Operator = HCPFilterExpression::Operator;
@@ -27,6 +30,10 @@ public:
             judge_choices(*spec);
         }
     }
+
+    /// How dear the test is beside others: each text of the file is judged once, a number has to be computed,
+    /// a text to be made.
+    int cost() const { return reader_.has_interned() ? 0 : number_getter_ || !choices_.empty() ? 1 : 2; }
 
     bool matches(uint32_t index) {
         if (number_getter_)
@@ -99,6 +106,7 @@ struct Filter::Binding {
     const Design* design;
     ObjectClass cls;
     std::vector<BoundTest> tests;
+    std::vector<uint32_t> in_any_order; // the tests of a conjunction, the cheapest first
 };
 
 Filter::Filter(std::string text, Options options) : expression_(std::move(text), options) {}
@@ -111,10 +119,18 @@ void Filter::bind(const Design& design, ObjectClass cls) {
             bound_ = binding.get();
             return;
         }
-    auto binding = std::make_unique<Binding>(Binding{&design, cls, {}});
+    auto binding = std::make_unique<Binding>(Binding{&design, cls, {}, {}});
     binding->tests.reserve(expression_.tests().size());
     for (const HCPFilterExpression::Test& test : expression_.tests())
         binding->tests.emplace_back(test, expression_.options().nocase, design, cls);
+    if (expression_.is_conjunction()) {
+        auto& order = binding->in_any_order;
+        order.resize(binding->tests.size());
+        std::iota(order.begin(), order.end(), 0);
+        std::stable_sort(order.begin(), order.end(), [&](uint32_t a, uint32_t b) {
+            return binding->tests[a].cost() < binding->tests[b].cost();
+        });
+    }
     bound_ = bindings_.emplace_back(std::move(binding)).get();
 }
 
@@ -126,6 +142,10 @@ bool Filter::matches(const ObjectRef& object) {
 }
 
 bool Filter::matches(uint32_t index) {
+    const auto& order = bound_->in_any_order;
+    if (!order.empty())
+        return std::all_of(order.begin(), order.end(),
+                           [&](uint32_t test) { return bound_->tests[test].matches(index); });
     return expression_.evaluate([&](uint32_t test) { return bound_->tests[test].matches(index); });
 }
 

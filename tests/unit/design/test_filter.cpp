@@ -87,6 +87,15 @@ TEST(Filter, EvaluatesLikeItsTruthTable) {
     }
 }
 
+TEST(Filter, TestsOfAllCostsMayBeJoined) {
+    const auto d = make_design(three_cells);
+    EXPECT_EQ(accepted(*d, "name =~ * && fanout >= 1 && ref_name =~ *"), "ac");
+    EXPECT_EQ(accepted(*d, "name =~ [ab]* && fanout >= 1 && ref_name =~ LUT*"), "");
+    EXPECT_EQ(accepted(*d, "(name != a && (fanout < 2 && ref_name != FDRE)) && WIDTH == 2"), "b");
+    EXPECT_EQ(accepted(*d, "name != a && !(fanout < 1 && ref_name != FDRE)"), "c");
+    EXPECT_NE(refusal(*d, "name == nosuch && fanuot > 1").find("'fanout'"), std::string::npos);
+}
+
 TEST(Filter, ReadsAttributesAndParametersOfTheFile) {
     const auto d = make_design(three_cells);
     EXPECT_EQ(accepted(*d, "WIDTH == 4"), "a");

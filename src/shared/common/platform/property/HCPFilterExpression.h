@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -60,6 +61,13 @@ public:
     const std::string& text() const { return m_text; }
     const Options& options() const { return m_options; }
     const std::vector<Test>& tests() const { return m_tests; }
+
+    /// True if the expression holds where all its tests do, so that these may be asked in any order.
+    bool is_conjunction() const {
+        return std::all_of(m_steps.begin(), m_steps.end(), [](const Step& step) {
+            return step.action == Action::test || step.action == Action::skip_if_false;
+        });
+    }
 
     /// The value of the expression; `answer(i)` gives that of test number i and is called for those that
     /// matter only. Needs no stack, however deeply the expression nests.
