@@ -23,8 +23,7 @@ namespace HTCLibEdit::detail {
 namespace {
 
 constexpr std::string_view pasteEnd = "\033[201~";
-// A terminal in this mode never has nothing to read unless it is gone; one that was left in another mode may
-// say so once or twice.
+// A terminal that is gone is ready and has nothing to read; an interrupt can make one look so, once.
 constexpr int mostEmptyReads = 10;
 
 prompt_terminal* current = nullptr;
@@ -93,6 +92,7 @@ const char* prompt_terminal::read(int* count) {
     continued = 0;
     el_resize(m_el);
     markPastes(true);
+    takeTerminal();
     // A command that another thread hands over may end the process.
     Tcl_CreateExitHandler(restore, this);
     HTCTclWakeUp::setAtPrompt(true);
@@ -148,11 +148,7 @@ int prompt_terminal::nextKey(wchar_t* key) {
     markPastes(true);
     while (waitForInput()) {
         char byte;
-        const int got = readBytes(&byte, 1);
-        if (got <= 0) {
-            return got;
-        }
-        if (decode.take(byte, key) == 1) {
+        if (readBytes(&byte, 1) == 1 && decode.take(byte, key) == 1) {
             if (byte == '\r' || byte == '\n') {
                 markPastes(false); // before the line end that libedit shows
             }
@@ -178,25 +174,31 @@ bool prompt_terminal::waitForInput() {
     return false;
 }
 
-// How many bytes there were; 0 when there is no terminal any more.
-int prompt_terminal::readBytes(char* bytes, int count) {
-    for (;;) {
-        const ssize_t got = ::read(STDIN_FILENO, bytes, static_cast<size_t>(count));
-        if (got > 0) {
-            m_emptyReads = 0;
-            return static_cast<int>(got);
-        }
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0 && errno == EAGAIN) {
-            pollfd ready = {STDIN_FILENO, POLLIN, 0};
-            ::poll(&ready, 1, -1);
-            continue;
-        }
-        m_gone = got < 0 || ++m_emptyReads > mostEmptyReads;
-        return 0;
+// Gives the terminal to libedit, which would show the prompt first: what is typed in between would be echoed
+// twice and cut off. A read does not wait, since an interrupt takes away what was there to read.
+void prompt_terminal::takeTerminal() {
+    libedit().el_set(m_el, EL_PREP_TERM, 1);
+    termios mode;
+    if (::tcgetattr(STDIN_FILENO, &mode) == 0) {
+        mode.c_cc[VMIN] = 0;
+        mode.c_cc[VTIME] = 0;
+        ::tcsetattr(STDIN_FILENO, TCSADRAIN, &mode);
     }
+}
+
+// How many bytes there were, after waitForInput().
+size_t prompt_terminal::readBytes(char* bytes, size_t count) {
+    const ssize_t got = ::read(STDIN_FILENO, bytes, count);
+    if (got > 0) {
+        m_emptyReads = 0;
+        return static_cast<size_t>(got);
+    }
+    if (got < 0) {
+        m_gone = errno != EINTR && errno != EAGAIN;
+    } else {
+        m_gone = ++m_emptyReads > mostEmptyReads;
+    }
+    return 0;
 }
 
 // Does what other threads want of this one. Timers and files wait for a command that enters the event loop.
@@ -213,7 +215,7 @@ void prompt_terminal::serve() {
     if (continued) {
         continued = 0;
         libedit().el_set(m_el, EL_PREP_TERM, 0);
-        libedit().el_set(m_el, EL_PREP_TERM, 1);
+        takeTerminal();
     }
     if (resized) {
         resized = 0;
@@ -355,11 +357,10 @@ std::wstring prompt_terminal::readPasted() {
             --begun;
         }
         char piece[pasteEnd.size()];
-        const int got = waitForInput() ? readBytes(piece, static_cast<int>(pasteEnd.size() - begun)) : 0;
-        if (got <= 0) {
+        if (!waitForInput()) {
             return {};
         }
-        bytes.append(piece, static_cast<size_t>(got));
+        bytes.append(piece, readBytes(piece, pasteEnd.size() - begun));
     }
     bytes.resize(bytes.size() - pasteEnd.size());
     std::wstring text;

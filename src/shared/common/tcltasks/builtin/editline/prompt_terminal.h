@@ -44,7 +44,8 @@ private:
 
     int nextKey(wchar_t* key);
     bool waitForInput();
-    int readBytes(char* bytes, int count);
+    void takeTerminal();
+    size_t readBytes(char* bytes, size_t count);
     void serve();
     void serveEvents();
     void eraseLine();

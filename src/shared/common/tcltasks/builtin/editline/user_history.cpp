@@ -1,9 +1,10 @@
 #include "tcltasks/builtin/editline/user_history.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string_view>
-#include <system_error>
 #include <tcl.h>
+#include <utility>
 
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/tcl/HTCTclEncoding.h"
@@ -43,27 +44,20 @@ bool is_text(const std::string& entry) {
     return std::mbstowcs(nullptr, entry.c_str(), 0) != static_cast<size_t>(-1);
 }
 
-template <class Work>
-void tell_failure(Work&& work) {
-    try {
-        work();
-    } catch (const std::system_error& failure) {
-        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5420@%s\n", failure.what());
-    }
-}
-
 } // namespace
 
 user_history::user_history() : m_history(history_init()), m_file(HUTHistoryFile::userPath()) {
     HistEvent event;
     libedit().history(m_history, &event, H_SETSIZE, size);
-    tell_failure([&] {
+    try {
         for (const std::string& entry : m_file.newest(size)) {
             if (is_text(entry)) {
                 enter(entry);
             }
         }
-    });
+    } catch (const std::system_error& failure) {
+        tell(failure);
+    }
 }
 
 user_history::~user_history() {
@@ -73,8 +67,19 @@ user_history::~user_history() {
 void user_history::add(const std::string& command) {
     const std::string text = HTCTclEncoding::fromTcl(command);
     enter(text);
-    if (!has_own_command(command)) {
-        tell_failure([&] { m_file.add(text); });
+    if (has_own_command(command)) {
+        return;
+    }
+    try {
+        m_file.add(text);
+    } catch (const std::system_error& failure) {
+        tell(failure);
+    }
+}
+
+void user_history::tell(const std::system_error& failure) {
+    if (!std::exchange(m_told, true)) {
+        ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_WARNING, "@17-5420@%s\n", failure.what());
     }
 }
 

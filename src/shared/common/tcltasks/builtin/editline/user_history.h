@@ -2,6 +2,7 @@
 
 #include <histedit.h>
 #include <string>
+#include <system_error>
 
 #include "platform/env/HUTHistoryFile.h"
 
@@ -23,9 +24,11 @@ public:
 
 private:
     void enter(const std::string& command);
+    void tell(const std::system_error& failure);
 
     History* m_history;
     HUTHistoryFile m_file;
+    bool m_told = false; ///< the user knows that nothing is kept
 };
 
 } // namespace HTCLibEdit::detail
