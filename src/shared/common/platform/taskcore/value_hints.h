@@ -9,8 +9,9 @@
 namespace vek::tcltasks {
 
 /// Where completion finds the values of an option that was declared with `.hint(kind)`. The library that owns
-/// the values adds a source for the kind, once for the process; all other code only names the kind. The kind
-/// "file" needs no source. Interpreter's thread.
+/// the values adds a source for the kind, once for the process; all other code only names the kind. The kinds
+/// "file" and "command" need no source, nor does a list of values such as "low|high", for an option that only
+/// its command checks. Interpreter's thread.
 class value_hints {
 public:
     /// The options that the line already gives, by name, as far as their values need no substitution.

@@ -74,6 +74,7 @@ public:
                 "displayinmode", options::text("default"),
                 "The MsgMgr operating modes in which the message should be displayed. Should be one of "
                 "'default', 'ooc', or 'all'. Only valid if -desc or -res is also specified.")
+            .hint("default|ooc|all")
             .add_option(
                 "gid", text(),
                 "GID of message, should be in alpha-int (e.g. ADRC-123) or int-int (e.g. 12-345) format. "

@@ -143,6 +143,7 @@ public:
             .add_option("msgmgr_mode", options::value<std::string>()->default_value("", "none"),
                         "the current msgmgr operating mode, either 'default' or 'ooc_run'. All other options "
                         "are ignored if this option is specified.")
+            .hint("default|ooc_run")
             .add_option("regexp", options::flag(),
                         "The values used for -string are full regular expressions");
     }

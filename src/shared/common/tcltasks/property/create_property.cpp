@@ -36,6 +36,7 @@ public:
             .add_option(
                 "type", options::text("string"),
                 "Type of property to create; valid values are: string, int, long, double, bool, enum, file")
+            .hint("string|int|long|double|bool|enum|file")
             .add_option("enum_values", strings_option(), "Enumeration values")
             .add_option("default_value", options::text(), "Default value of type string")
             .add_option("file_types", strings_option(), "File type extensions (without the dot)")

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "platform/env/HSTStringUtils.h"
 #include "platform/taskcore/task_manager.h"
 #include "platform/taskcore/task_options_base.h"
 #include "platform/taskcore/value_hints.h"
@@ -401,6 +402,9 @@ private:
             return commands(glob_quoted(prefix)).value_or(names());
         }
         names list = option.choices;
+        if (option.hint.find('|') != std::string::npos) {
+            list = HSTStringUtils::split(option.hint, '|');
+        }
         if (const auto* source = value_hints::find(option.hint); list.empty() && source) {
             list = values_from(*source, given);
         } else if (list.empty() && dynamic_cast<tcl_value_semantic<bool>*>(option.semantic.get())) {
