@@ -98,6 +98,7 @@ std::string class_table(const std::vector<std::string>& names) {
 
 std::vector<std::string> help_names(const std::vector<HelpInfo>& topics) {
     std::vector<std::string> names;
+    names.reserve(topics.size());
     for (const HelpInfo& topic : topics) {
         names.push_back(topic.helpName);
     }

@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 #include <system_error>
+#include <tuple>
 
 #include "platform/env/HSTStringUtils.h"
 #include "platform/env/HUTEnv.h"
@@ -27,13 +28,9 @@ std::string tail(const std::string& name) {
     return name.substr(name.rfind(':') + 1);
 }
 
-// A command that is looked at.
-struct candidate {
-    std::string helpName; // the name under which users know it
-    std::string name;
-    bool global; // can be called by its plain name
-    auto operator<=>(const candidate&) const = default;
-};
+// A command that is looked at: the name under which users know it, its name, and whether it can be called by
+// its plain name.
+using candidate = std::tuple<std::string, std::string, bool>;
 
 // All commands, sorted by the names under which users know them.
 std::vector<candidate> candidates() {
@@ -45,7 +42,7 @@ std::vector<candidate> candidates() {
     for (std::string& name : names) {
         const bool global = HTCTclUtils::tclIsCmdInGlobalNamespace(g_interp, name);
         std::string helpName = global ? tail(name) : name.substr(name.starts_with("::") ? 2 : 0);
-        all.push_back({std::move(helpName), std::move(name), global});
+        all.emplace_back(std::move(helpName), std::move(name), global);
     }
     std::sort(all.begin(), all.end());
     all.erase(std::unique(all.begin(), all.end()), all.end());
@@ -198,14 +195,18 @@ void HelpResolver::findManPages(const std::string& pattern, HelpInfo::TopicType 
     }
     const HTCTclPatternMatch matcher(pattern.empty() ? "*" : pattern);
     for (const std::string& root : HUTEnv::getOMUAppRootList()) {
-        const std::string separator(HUTFile::getDirSeparator());
-        const std::string directory = root + separator + "doc" + separator + "eng" + separator + "tcl";
+        std::string directory = root;
+        for (const char* component : {"doc", "eng", "tcl"}) {
+            directory.append(HUTFile::getDirSeparator()).append(component);
+        }
         for (const std::string& name : page_names(directory, matcher)) {
             const std::string helpName = page_help_name(name);
             const HelpInfo::TopicType type =
                 isTclPackage(helpName) ? HelpInfo::tcl_package : HelpInfo::tcl_builtin;
             if ((wanted == HelpInfo::man_page || wanted == type) && taken.insert(name).second) {
-                results.push_back({name, helpName, directory + separator + name, type, nullptr});
+                std::string path = directory;
+                path.append(HUTFile::getDirSeparator()).append(name);
+                results.push_back({name, helpName, std::move(path), type, nullptr});
             }
         }
     }

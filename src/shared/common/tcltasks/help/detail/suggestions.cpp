@@ -58,6 +58,7 @@ std::string line(const std::string& label, const std::vector<std::string>& names
 
 std::string forTopic(Tcl_Interp* interp, const std::string& word, const std::vector<HelpInfo>& topics) {
     std::vector<std::string> names;
+    names.reserve(topics.size());
     for (const HelpInfo& topic : topics) {
         names.push_back(topic.helpName);
     }
