@@ -43,6 +43,17 @@ namespace eval support {
         close $file
         return $bytes
     }
+
+    # Pages of memory in use.
+    proc resident {} {
+        return [lindex [read_file /proc/self/statm] 1]
+    }
+    # "flat" if less than a number of pages were added since, else how many. A sanitizer keeps what was freed for
+    # a while, and finds leaks by itself.
+    proc growth {before limit} {
+        set added [expr {[resident] - $before}]
+        return [expr {$added < $limit || [regexp {lib[at]san} [read_file /proc/self/maps]] ? "flat" : $added}]
+    }
     namespace export *
 }
 namespace import support::*

@@ -81,6 +81,11 @@ Tcl_Obj* find(Tcl_Obj* dict, const char* key) {
     return value;
 }
 
+void put(Tcl_Obj* dict, const char* key, Tcl_Obj* value) {
+    const tclobj_ref name(Tcl_NewStringObj(key, -1)); // a dict that has the key does not take it over
+    Tcl_DictObjPut(nullptr, dict, name.get(), value);
+}
+
 bool is_hidden_frame(Tcl_Interp* interp, Tcl_Obj* frame) {
     if (Tcl_Obj* const proc = find(frame, "proc"); proc && is_sealed(interp, proc)) {
         return true;
@@ -97,7 +102,7 @@ int info_frame(ClientData data, Tcl_Interp* interp, int objc, Tcl_Obj* const* ob
         const tclobj_ref frame(code == TCL_OK && objc == 2 ? Tcl_DuplicateObj(Tcl_GetObjResult(interp))
                                                            : nullptr);
         if (frame && find(frame.get(), "cmd") && is_hidden_frame(interp, frame.get())) {
-            Tcl_DictObjPut(nullptr, frame.get(), Tcl_NewStringObj("cmd", -1), Tcl_NewObj());
+            put(frame.get(), "cmd", Tcl_NewObj());
             Tcl_SetObjResult(interp, frame.get());
         }
         return code;
@@ -148,8 +153,8 @@ void hide_trace(Tcl_Interp* interp, Tcl_Obj* place) {
     const tclobj_ref options(Tcl_GetReturnOptions(interp, TCL_ERROR));
     const tclobj_ref trace(
         Tcl_ObjPrintf("%s\n    %s", Tcl_GetString(result.get()), Tcl_GetString(where.get())));
-    Tcl_DictObjPut(nullptr, options.get(), Tcl_NewStringObj("-errorinfo", -1), trace.get());
-    Tcl_DictObjPut(nullptr, options.get(), Tcl_NewStringObj("-errorstack", -1), Tcl_NewObj());
+    put(options.get(), "-errorinfo", trace.get());
+    put(options.get(), "-errorstack", Tcl_NewObj());
     Tcl_SetReturnOptions(interp, options.get());
     reinterpret_cast<Interp*>(interp)->flags &= ~ERR_ALREADY_LOGGED; // the commands outside do belong to it
     Tcl_SetObjResult(interp, result.get());
