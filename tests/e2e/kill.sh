@@ -29,7 +29,7 @@ start() {
     "$corvane" -log kill.log "$@" <"${input:-/dev/null}" >/dev/null 2>&1 &
     pid=$!
     until [[ -s progress ]]; do
-        kill -0 "$pid" 2>/dev/null || { printf 'the session ended by itself\n' && return 1; }
+        kill -0 "$pid" 2>/dev/null || { wait "$pid"; printf 'the session ended by itself with status %s\n' "$?"; return 1; }
         sleep 0.002
     done
 }

@@ -2,24 +2,11 @@
 
 #include <algorithm>
 
-namespace {
+#include "platform/tcl/detail/plain_ascii.h"
 
-// Tcl spells NUL and, in some builds, characters beyond 16 bits in its own way; all else of ASCII is the same
-// in every system encoding that Tcl runs under.
-bool is_plain_ascii(std::string_view text) {
-    // In pieces without an early end, which the compiler turns into wide operations.
-    constexpr size_t piece = 64;
-    for (; !text.empty(); text.remove_prefix(std::min(piece, text.size()))) {
-        bool plain = true;
-        for (const char c : text.substr(0, piece)) {
-            plain &= static_cast<signed char>(c) > 0;
-        }
-        if (!plain) {
-            return false;
-        }
-    }
-    return true;
-}
+using tcl_detail::is_plain_ascii;
+
+namespace {
 
 std::string take(Tcl_DString& ds) {
     std::string text(Tcl_DStringValue(&ds), static_cast<size_t>(Tcl_DStringLength(&ds)));

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <optional>
 
-#include "platform/tcl/HTCTclEncoding.h"
+#include "platform/tcl/tcl_text_view.h"
 #include "tcltasks/core/task.h"
 #include "tcltasks/msgmgr/HTCMsgmgr.h"
 #include "tcltasks/msgmgr/detail/TclStack.h"
@@ -74,8 +74,8 @@ public:
         if (objc != 4 || std::any_of(objv + 1, objv + objc, is_switch)) {
             return HTCITaskHelper::execute(interp, objc, objv);
         }
-        return run(interp, HTCTclEncoding::tclGetString(objv[1]), HTCTclEncoding::tclGetString(objv[2]),
-                   HTCTclEncoding::tclGetString(objv[3]));
+        const tcl_text_view id(objv[1]), severity(objv[2]), text(objv[3]);
+        return run(interp, id.get(), std::string(severity.get()), text.get());
     }
 
     int execute(Tcl_Interp* interp) override {
@@ -85,7 +85,7 @@ public:
     }
 
 private:
-    int run(Tcl_Interp* interp, const std::string& id, const std::string& severity, const std::string& text) {
+    int run(Tcl_Interp* interp, std::string_view id, const std::string& severity, std::string_view text) {
         const ComMsgMgr::MsgMask mask = HTCMsgmgr::msgString2Type(severity);
         if (mask == 0) {
             set_result(interp, "invalid msg severity " + severity);
@@ -99,11 +99,11 @@ private:
         }
     }
 
-    void send(Tcl_Interp* interp, const std::string& id, ComMsgMgr::MsgMask mask, const std::string& text) {
+    void send(Tcl_Interp* interp, std::string_view id, ComMsgMgr::MsgMask mask, std::string_view text) {
         const bool errorBefore = ComMsgMgr::hasIssuedError();
         const std::optional<message_id> parts = parse_id(id);
         if (!parts) {
-            throw HTCErrors::command_failed("could not find message id. " + id);
+            throw HTCErrors::command_failed("could not find message id. " + std::string(id));
         }
         if (!text.empty()) {
             ComMsgMgr::sendMsgById(parts->prefix, parts->number, mask, text);
