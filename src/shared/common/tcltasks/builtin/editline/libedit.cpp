@@ -58,7 +58,7 @@ char* tcl_prompt(EditLine*) {
 }
 
 unsigned char tcl_delete_next_char(EditLine* el, int) {
-    const LineInfo* line = el_line(el);
+    const LineInfoW* line = el_wline(el);
     if (line->cursor >= line->lastchar) {
         return CC_REDISPLAY;
     }
@@ -89,6 +89,9 @@ public:
         lib.el_set(el, EL_BIND, "^I", "xtcl-complete", nullptr);
         lib.el_set(el, EL_BIND, "\033[3~", "xtcl-delete-next-char", nullptr);
         lib.el_set(el, EL_BIND, "^D", "xtcl-delete-next-char", nullptr);
+        // libedit's own command line, on Meta-x, ends the process on a quote without its partner.
+        lib.el_set(el, EL_BIND, "\033x", "ed-unassigned", nullptr);
+        lib.el_set(el, EL_BIND, "\033X", "ed-unassigned", nullptr);
         el_source(el, nullptr);
         el_reset(el);
     }
@@ -167,9 +170,8 @@ private:
         if (Tcl_LimitExceeded(m_interp)) {
             return input::end;
         }
-        int count = 0;
-        const char* line = nullptr;
-        while (!(line = m_terminal.read(&count))) {
+        std::string line;
+        while (!m_terminal.read(line)) {
             if (m_terminal.isGone() || Tcl_InterpDeleted(m_interp)) {
                 return input::end;
             }
@@ -178,7 +180,7 @@ private:
                 begin_command();
             }
         }
-        const tclobj_ref text(HTCTclEncoding::tclNewStringObj(std::string(line, static_cast<size_t>(count))));
+        const tclobj_ref text(HTCTclEncoding::tclNewStringObj(line));
         Tcl_AppendObjToObj(unshared_command(), text.get());
         return input::line;
     }

@@ -14,7 +14,7 @@ struct forwarded_functions {
     decltype(&::el_init) el_init;
     decltype(&::el_end) el_end;
     decltype(&::el_reset) el_reset;
-    decltype(&::el_gets) el_gets;
+    decltype(&::el_wgets) el_wgets;
     decltype(&::el_source) el_source;
     decltype(&::el_resize) el_resize;
     decltype(&::el_beep) el_beep;
@@ -54,7 +54,7 @@ loaded_library load() {
     find(library, "el_init", it.fixed.el_init);
     find(library, "el_end", it.fixed.el_end);
     find(library, "el_reset", it.fixed.el_reset);
-    find(library, "el_gets", it.fixed.el_gets);
+    find(library, "el_wgets", it.fixed.el_wgets);
     find(library, "el_source", it.fixed.el_source);
     find(library, "el_resize", it.fixed.el_resize);
     find(library, "el_beep", it.fixed.el_beep);
@@ -92,8 +92,8 @@ FORWARDED void el_end(EditLine* el) {
 FORWARDED void el_reset(EditLine* el) {
     loaded().fixed.el_reset(el);
 }
-FORWARDED const char* el_gets(EditLine* el, int* count) {
-    return loaded().fixed.el_gets(el, count);
+FORWARDED const wchar_t* el_wgets(EditLine* el, int* count) {
+    return loaded().fixed.el_wgets(el, count);
 }
 FORWARDED int el_source(EditLine* el, const char* file) {
     return loaded().fixed.el_source(el, file);

@@ -30,7 +30,7 @@ prompt_terminal* current = nullptr;
 volatile std::sig_atomic_t resized = 0;
 volatile std::sig_atomic_t continued = 0;
 
-// Appends characters to `text` from bytes in the encoding of the terminal; what is no character is left out.
+// Makes characters of bytes in the encoding of the terminal; what is no character is left out.
 class decoder {
 public:
     // 1 with a character, 0 when more bytes are needed.
@@ -43,13 +43,28 @@ public:
         case static_cast<size_t>(-2):
             return 0;
         default:
-            return 1;
+            // The system takes longer ones for characters too, at which libedit ends the process.
+            return static_cast<unsigned long>(*key) <= 0x10FFFF ? 1 : 0;
         }
     }
 
 private:
     std::mbstate_t m_state{};
 };
+
+// libedit's own conversion stops at a NUL.
+std::string encoded(std::wstring_view text) {
+    std::string bytes;
+    std::mbstate_t state{};
+    for (const wchar_t c : text) {
+        char piece[MB_LEN_MAX];
+        const size_t size = std::wcrtomb(piece, c, &state);
+        if (size != static_cast<size_t>(-1)) {
+            bytes.append(piece, size);
+        }
+    }
+    return bytes;
+}
 
 void flush(int channel) {
     if (Tcl_Channel out = Tcl_GetStdChannel(channel)) {
@@ -85,7 +100,7 @@ prompt_terminal::~prompt_terminal() {
     current = nullptr;
 }
 
-const char* prompt_terminal::read(int* count) {
+bool prompt_terminal::read(std::string& line) {
     flush(TCL_STDOUT);
     flush(TCL_STDERR);
     resized = 0;
@@ -96,19 +111,20 @@ const char* prompt_terminal::read(int* count) {
     // A command that another thread hands over may end the process.
     Tcl_CreateExitHandler(restore, this);
     HTCTclWakeUp::setAtPrompt(true);
-    const char* line = el_gets(m_el, count);
+    int count = 0;
+    const wchar_t* const text = el_wgets(m_el, &count);
     HTCTclWakeUp::setAtPrompt(false);
     Tcl_DeleteExitHandler(restore, this);
     serveEvents(); // what came too late for the prompt comes before the command
-    if (line) {
+    if (text) {
         markPastes(false);
-    }
-    if (!line && !m_interrupted) {
+    } else if (!m_interrupted) {
         // libedit does not ask for keys when it cannot set up the terminal.
         termios mode;
         m_gone = m_gone || ::tcgetattr(STDIN_FILENO, &mode) != 0 || ++m_emptyReads > mostEmptyReads;
     }
-    return line;
+    line = text ? encoded({text, static_cast<size_t>(count)}) : std::string();
+    return text != nullptr;
 }
 
 bool prompt_terminal::takeInterrupt() {

@@ -19,8 +19,9 @@ public:
     prompt_terminal(const prompt_terminal&) = delete;
     prompt_terminal& operator=(const prompt_terminal&) = delete;
 
-    /// A line with its line end; null when there is none: see below for why.
-    const char* read(int* count);
+    /// Reads a line, with its line end, in the encoding of the system. False when there is none: see below
+    /// for why.
+    bool read(std::string& line);
     /// The user broke the line off. True once.
     bool takeInterrupt();
     /// There is no terminal any more, and never will be again.
