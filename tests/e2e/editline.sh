@@ -134,6 +134,19 @@ send "exit\r"
 finish 0
 EXPECT
 
+on_terminal "an interrupt breaks the line off also while a word is being completed" <<'EXPECT'
+start
+for {set i 0} {$i < 60} {incr i} {
+    send "get_p\t"
+    after [expr {$i % 6}]
+    send "\003"
+    see "a fresh prompt" {\n[^\n]*corvane% $}
+    type "a result" "list got\[string repeat x 2\] $i" "\ngotxx $i\r\n"
+}
+send "exit\r"
+finish 0
+EXPECT
+
 on_terminal "other threads are served while a line is typed, and the line is shown again" <<'EXPECT'
 start
 type "the samples" "load \$env(samples) Thread_samples" {}

@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include "platform/taskcore/task_manager.h"
 #include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclobj_ref.h"
@@ -15,6 +16,7 @@
 #include "tcltasks/builtin/editline/prompt_terminal.h"
 #include "tcltasks/builtin/editline/user_history.h"
 
+using vek::tcltasks::task_manager;
 using vek::tcltasks::tclobj_ref;
 
 namespace HTCLibEdit::detail {
@@ -70,7 +72,14 @@ unsigned char tcl_delete_next_char(EditLine* el, int) {
 // What the completion shows takes several rows, as the line may do; libedit would draw the one over the
 // other.
 unsigned char complete_word(EditLine* el, int key) {
-    const unsigned char code = tcl_completion(el, key);
+    unsigned char code = CC_ERROR;
+    {
+        const task_manager::top_level scope("(completion)");
+        code = tcl_completion(el, key);
+    }
+    if (prompt_terminal::takeLostInterrupt()) {
+        return CC_EOF;
+    }
     return prompt_terminal::redrawIfMoved() && code == CC_REDISPLAY ? CC_NORM : code;
 }
 

@@ -223,8 +223,7 @@ void prompt_terminal::serve() {
     if (Tcl_AsyncReady()) {
         Tcl_AsyncInvoke(nullptr, TCL_OK);
         if (m_interrupted) {
-            goToLastRow();
-            write("\r\n");
+            leaveLine();
             return;
         }
     }
@@ -332,6 +331,27 @@ void prompt_terminal::goToLastRow() {
     if (below > 0 && canMoveUp()) {
         write("\033[" + std::to_string(below) + "B");
     }
+}
+
+void prompt_terminal::leaveLine() {
+    goToLastRow();
+    write("\r\n");
+}
+
+bool prompt_terminal::takeLostInterrupt() {
+    if (!current || !vek::tcltasks::task_manager::isTaskCanceled()) {
+        return false;
+    }
+    // One that is on its way comes as any other does.
+    pollfd arrived = {HTCTclWakeUp::descriptor(), POLLIN, 0};
+    ::poll(&arrived, 1, 100);
+    if (Tcl_AsyncReady()) {
+        return false;
+    }
+    current->leaveLine();
+    current->m_moved = false;
+    current->m_interrupted = true;
+    return true;
 }
 
 void prompt_terminal::showBelow(const std::string& text) {

@@ -28,6 +28,9 @@ public:
     bool isGone() const { return m_gone; }
     /// Lets read() give up as if the user had broken the line off.
     static void interrupt();
+    /// For a key that evaluates, as a command of its own: an interrupt meanwhile stopped that, and breaks the
+    /// line off as well. True if there was one.
+    static bool takeLostInterrupt();
     /// Writes below the line; redrawIfMoved() then draws the line again and is true.
     static void showBelow(const std::string& text);
     static bool redrawIfMoved();
@@ -51,6 +54,7 @@ private:
     void serveEvents();
     void eraseLine();
     void goToLastRow();
+    void leaveLine();
     void write(const std::string& text);
     void markPastes(bool on);
     place placeOf(const wchar_t* end) const;
