@@ -334,7 +334,7 @@ bool ComMsgMgrFile::parse() {
 
 bool ComMsgMgrFile::read() {
     try {
-        return readText(HUTFile::read(m_path));
+        return readText(DataFileScanner::textOf(m_path));
     } catch (const std::system_error& error) {
         m_entries.clear();
         m_problems = {{0, 0, error.what()}};
@@ -371,7 +371,7 @@ std::shared_ptr<const ComMsgMgrDb> ComMsgMgrDb::of(std::string_view subsystem) {
     ComMsgMgrFile head(db->m_subsystem, db->m_path);
     try {
         if (!db->m_path.empty()) {
-            db->m_content = HUTFile::read(db->m_path);
+            db->m_content = DataFileScanner::textOf(db->m_path);
             db->m_firstMessage = std::min(db->m_content.find("\nmessage "), db->m_content.size());
             head.readText(std::string_view(db->m_content).substr(0, db->m_firstMessage));
         }

@@ -1,5 +1,10 @@
 #include "platform/msg/DataFileScanner.h"
 
+#include <system_error>
+
+#include "platform/env/HUTFile.h"
+#include "platform/env/HUTPathUtils.h"
+
 namespace {
 
 bool is_blank(char c) {
@@ -7,6 +12,13 @@ bool is_blank(char c) {
 }
 
 } // namespace
+
+std::string DataFileScanner::textOf(const std::string& path) {
+    if (HUTPathUtils::exists(path) && !HUTPathUtils::isRegularFile(path) && !HUTPathUtils::isDirectory(path))
+        throw std::system_error(std::make_error_code(std::errc::operation_not_supported),
+                                "cannot read \"" + path + '"');
+    return HUTFile::read(path);
+}
 
 void DataFileScanner::advance() {
     const char c = m_text[m_pos++];

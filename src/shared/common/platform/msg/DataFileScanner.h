@@ -24,6 +24,10 @@ public:
         unsigned column;
     };
 
+    /// What stands in a data file. Throws std::system_error if it cannot be read, as a pipe, which could make
+    /// the reader wait for ever.
+    static std::string textOf(const std::string& path);
+
     /// \param text must live as long as the scanner.
     explicit DataFileScanner(std::string_view text) : m_text(text) {}
 

@@ -1,6 +1,7 @@
 #include "tcltasks/msgmgr/detail/ReportFile.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -17,9 +18,18 @@ HTCMsgmgr::ReportFile::ReportFile(std::string path) : m_path(std::move(path)) {
     if (!isThere || S_ISREG(old.st_mode)) {
         m_beside = m_path + ".new" + std::to_string(::getpid());
     }
-    m_file = std::fopen((m_beside.empty() ? m_path : m_beside).c_str(), "wbe");
-    if (m_file && isThere && !m_beside.empty()) {
-        ::fchmod(::fileno(m_file), old.st_mode & 07777);
+    // A pipe that nobody reads cannot be opened; without O_NONBLOCK, that would wait for a reader.
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    const int descriptor = ::open((m_beside.empty() ? m_path : m_beside).c_str(), flags, 0666);
+    if (descriptor < 0) {
+        return;
+    }
+    ::fcntl(descriptor, F_SETFL, O_WRONLY);
+    m_file = ::fdopen(descriptor, "wb");
+    if (!m_file) {
+        ::close(descriptor);
+    } else if (isThere && !m_beside.empty()) {
+        ::fchmod(descriptor, old.st_mode & 07777);
     }
 }
 
