@@ -285,6 +285,25 @@ TEST_F(ComMsgMgrRules, attributesHoldAllOfARule) {
               "s");
 }
 
+TEST_F(ComMsgMgrRules, whatIsMadeAgainKeepsItsPlaceAmongTheOthers) {
+    for (const char* id : {"r9", "r10"})
+        make({.id = "A", .newSeverity = id[1] == '9' ? M::MSGTYPE_STATUS : M::MSGTYPE_WARNING, .ruleId = id});
+    std::vector<Rule::Attributes> lists;
+    for (auto at = Project::beginMsgControlRules(""); at != Project::endMsgControlRules(""); ++at)
+        at->second->getMsgRuleAttributes(lists.emplace_back());
+    Rules::removeAllMsgControlRules();
+    for (const Rule::Attributes& list : lists) // r10 comes first
+        Rules::restoreMsgControlRule(list, "", true);
+    M::sendMsgById("A", 1, M::MSGTYPE_INFO, "other");
+    M::sendMsg(ComMsgMgrInstance::fromText("common", M::MSGTYPE_INFO, "A", "text"));
+    EXPECT_EQ(logged(), "INFO: [A-1] other\nWARNING: [A] text\n");
+    EXPECT_THROW(Rules::restoreMsgControlRule({{"id", "A"}, {"suppress", "1"}, {"order", "-1"}}, "", true),
+                 HEXError);
+    EXPECT_THROW(Rules::restoreMsgControlRule(
+                     {{"id", "A"}, {"suppress", "1"}, {"order", "18446744073709551615"}}, "", true),
+                 HEXError);
+}
+
 TEST_F(ComMsgMgrRules, aRuleThatCannotBeIsRefused) {
     const auto reason = [](ComMsgMgrRuleParts parts) -> std::string {
         try {
@@ -500,6 +519,7 @@ TEST(RuleText, literalsThatEveryMatchHas) {
              {"a\\.b\\[c", "a.b[c"},
              {"abc\\d+efgh", "efgh"},
              {"\\Qab*c\\E", ""},
+             {"(\\Q)abc\\E)?de", ""},
              {"abc\\x41", "abc"},
              {"\\pLabc", ""},
              {"gr\xc3\xb6\xc3\x9f?er", "gr"},
@@ -554,7 +574,8 @@ TEST(RuleIndex, findsWhatTryingEveryRuleFinds) {
             if (random() % 2)
                 parts.strings.push_back(word(3));
             parts.severity = random() % 2 ? M::MSGTYPE_INFO : any;
-            const std::uint64_t rank = com_msg_mgr::RuleEntry::rankOf(parts, round);
+            parts.order = round;
+            const std::uint64_t rank = com_msg_mgr::RuleEntry::rankOf(parts);
             entries.push_back(std::make_unique<com_msg_mgr::RuleEntry>(
                 com_msg_mgr::RuleEntry{std::make_shared<const Rule>(std::move(parts)), rank, false}));
             index.add(entries.back().get());

@@ -18,6 +18,7 @@ struct ComMsgMgrMsgControlRule::Expressions {
 namespace {
 
 using M = ComMsgMgr;
+using Parts = ComMsgMgrRuleParts;
 
 /// A shorter text cannot be looked up.
 constexpr std::size_t least_required = 3;
@@ -71,6 +72,14 @@ int number_of(const std::string& key, const std::string& text) {
     return number;
 }
 
+std::uint64_t order_of(const std::string& key, const std::string& text) {
+    std::uint64_t order = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), order);
+    if (error != std::errc() || end != text.data() + text.size() || order > Parts::maxOrder)
+        throw failure("@17-5462@%s%s\n", key, text);
+    return order;
+}
+
 bool truth_of(const std::string& key, const std::string& text) {
     if (text != "0" && text != "1")
         throw failure("@17-5462@%s%s\n", key, text);
@@ -119,7 +128,6 @@ constexpr Attribute severity_attribute(const char* key) {
             }};
 }
 
-using Parts = ComMsgMgrRuleParts;
 constexpr std::string_view string_key = "string";
 constexpr Attribute attributes[] = {
     text_attribute<&Parts::ruleId>("ruleid"),
@@ -135,6 +143,10 @@ constexpr Attribute attributes[] = {
     text_attribute<&Parts::timeStamp>("created_timestamp"),
     flag_attribute<&Parts::visible>("visible"),
     flag_attribute<&Parts::kept>("kept"),
+    {"order", [](const Parts& parts) { return std::to_string(parts.order); },
+     [](Parts& parts, const std::string& key, const std::string& text) {
+         parts.order = order_of(key, text);
+     }},
 };
 
 void append_option(std::string& out, const char* option, const std::string& value) {

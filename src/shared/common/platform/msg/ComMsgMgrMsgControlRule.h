@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,8 +25,10 @@ struct ComMsgMgrRuleParts {
     std::string notes;
     std::string author;
     std::string timeStamp;
-    bool visible = true; ///< false: shown only when hidden rules are asked for
-    bool kept = true;    ///< belongs to the project that is open, if one is
+    bool visible = true;     ///< false: shown only when hidden rules are asked for
+    bool kept = true;        ///< belongs to the project that is open, if one is
+    std::uint64_t order = 0; ///< of two alike in all else, the higher one acts; 0: the latest of all
+    static constexpr std::uint64_t maxOrder = std::uint64_t(1) << 59;
 };
 
 /// A message rule: made by ComMsgMgrRuleIface, never changed afterwards but for its count. Any thread.

@@ -1,5 +1,6 @@
 #include "platform/msg/detail/RuleFile.h"
 
+#include <algorithm>
 #include <system_error>
 
 #include "platform/env/HUTFile.h"
@@ -16,7 +17,7 @@ using Attributes = ComMsgMgrMsgControlRule::Attributes;
 constexpr std::string_view head =
     "# The message rules of this project. Corvane reads this file when the project is opened, and writes it\n"
     "# anew when rules change.\n";
-constexpr std::string_view version_word = "version", version = "1", rule_word = "rule";
+constexpr std::string_view version_word = "version", version = "1", rule_word = "rule", order_key = "order";
 
 std::string in_quotes(std::string_view text) {
     std::string out = "\"";
@@ -71,7 +72,9 @@ private:
             fail("a key stands in front of each text");
         try {
             const ComMsgMgrMsgControlRule checked(ComMsgMgrMsgControlRule::partsOf(list));
-            return checked.parts();
+            ComMsgMgrRuleParts parts = checked.parts();
+            parts.order = 0; // the one in the file counts
+            return parts;
         } catch (const HEXError& error) {
             m_token = start;
             fail(error.message().text());
@@ -105,7 +108,7 @@ private:
 std::vector<ComMsgMgrRuleParts> read_rule_file(const std::string& path) {
     std::string text;
     try {
-        text = HUTFile::read(path);
+        text = DataFileScanner::textOf(path);
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory)
             return {};
@@ -119,12 +122,17 @@ void write_rule_file(const std::string& path,
                      const std::map<std::string, std::shared_ptr<const ComMsgMgrMsgControlRule>>& rules) {
     std::string text(head);
     text.append(version_word).append(1, ' ').append(version).append(1, '\n');
-    for (const auto& [ruleId, rule] : rules) {
+    std::vector<std::shared_ptr<const ComMsgMgrMsgControlRule>> inOrder;
+    for (const auto& [ruleId, rule] : rules)
+        inOrder.push_back(rule);
+    std::sort(inOrder.begin(), inOrder.end(),
+              [](const auto& a, const auto& b) { return a->parts().order < b->parts().order; });
+    for (const auto& rule : inOrder) {
         Attributes list;
         rule->getMsgRuleAttributes(list);
         text.append(rule_word).append(1, '\n');
         for (const auto& [key, value] : list)
-            if (!value.empty())
+            if (!value.empty() && key != order_key)
                 text.append("    ").append(key).append(1, ' ').append(in_quotes(value)).append(1, '\n');
     }
     HUTFile::write_atomically(path, text);

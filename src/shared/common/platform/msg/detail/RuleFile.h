@@ -10,11 +10,13 @@
 /// Keeping the message rules of a project in a file.
 namespace com_msg_mgr {
 
-/// Reads the rules of a file; a file that does not exist has none. Throws HEXError naming file, line, column
+/// Reads the rules of a file, in its order, later ones before earlier ones in force; a file that does not
+/// exist has none. Throws HEXError naming file, line, column
 /// and fault.
 std::vector<ComMsgMgrRuleParts> read_rule_file(const std::string& path);
 
-/// Replaces the file, so that a reader never sees half of it. Throws std::system_error.
+/// Writes the rules in the order in which they were made. The file is replaced, so that a reader never sees
+/// half of it. Throws std::system_error.
 void write_rule_file(const std::string& path,
                      const std::map<std::string, std::shared_ptr<const ComMsgMgrMsgControlRule>>& rules);
 

@@ -22,11 +22,11 @@ IdRecord& record_of(const RuleEntry* entry) {
 
 } // namespace
 
-std::uint64_t RuleEntry::rankOf(const ComMsgMgrRuleParts& parts, std::uint64_t sequence) {
+std::uint64_t RuleEntry::rankOf(const ComMsgMgrRuleParts& parts) {
     const std::uint64_t weight = (parts.id.empty() ? 0 : 8) + (parts.strings.empty() ? 0 : 4) +
                                  (parts.severity == ComMsgMgr::MSGTYPE_ANY ? 0 : 2) +
                                  (parts.suppress ? 1 : 0);
-    return weight << 60 | sequence;
+    return weight << 60 | parts.order;
 }
 
 template <class Visit>

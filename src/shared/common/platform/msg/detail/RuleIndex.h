@@ -19,7 +19,7 @@ struct RuleEntry {
     std::uint64_t rank;
     bool ofProject;
 
-    static std::uint64_t rankOf(const ComMsgMgrRuleParts& parts, std::uint64_t sequence);
+    static std::uint64_t rankOf(const ComMsgMgrRuleParts& parts);
 };
 
 /// The rules without an id that ask for strings, found by one pass over a text: each rule is filed under

@@ -67,7 +67,10 @@ std::string RuleStore::add(ComMsgMgrRuleParts parts) {
         parts.ruleId = freeId();
     std::string ruleId = parts.ruleId;
     const bool ofProject = parts.kept && m_projectOpen;
-    const std::uint64_t rank = RuleEntry::rankOf(parts, ++m_sequence);
+    if (parts.order == 0)
+        parts.order = m_lastOrder + 1;
+    m_lastOrder = std::max(m_lastOrder, parts.order);
+    const std::uint64_t rank = RuleEntry::rankOf(parts);
     auto rule = std::make_shared<const ComMsgMgrMsgControlRule>(std::move(parts));
 
     std::unique_lock lock(m_mutex);

@@ -71,7 +71,7 @@ private:
     Entries m_entries;                                              // guarded by m_mutex
     RuleIndex m_index;                                              // guarded by m_mutex
     std::unordered_multimap<std::size_t, const RuleEntry*> m_alike; // guarded by m_changing
-    std::uint64_t m_sequence = 0;                                   // guarded by m_changing
+    std::uint64_t m_lastOrder = 0;                                  // guarded by m_changing
     std::uint64_t m_lastMade = 0;                                   // guarded by m_changing
     std::atomic<ComMsgMgrMask> m_severities{0};
     std::atomic<bool> m_projectOpen{false};

@@ -37,9 +37,11 @@ public:
     explicit LiteralFinder(std::string_view expression) : m_text(expression) {}
 
     std::string find() {
-        // With alternatives or options, what stands in the text need not stand in a match.
-        if (m_text.find('|') != std::string_view::npos || m_text.find("(?") != std::string_view::npos)
-            return {};
+        // With alternatives or options, what stands in the text need not stand in a match; in \Q...\E
+        // brackets are no groups.
+        for (const std::string_view part : {"|", "(?", "\\Q"})
+            if (m_text.find(part) != std::string_view::npos)
+                return {};
         while (m_pos < m_text.size())
             step();
         endRun();
@@ -94,8 +96,8 @@ private:
             return;
         }
         endRun();
-        // \pN, \x41, \Q...: what follows is not read as plain text.
-        if (c == 'Q' || c == 'p' || c == 'P' || c == 'x' || (c >= '0' && c <= '9'))
+        // \pN, \x41: what follows is not read as plain text.
+        if (c == 'p' || c == 'P' || c == 'x' || (c >= '0' && c <= '9'))
             m_pos = m_text.size();
     }
 
