@@ -444,11 +444,12 @@ TEST_F(ComMsgMgrDatabases, verbosityShowsDescriptionAndResolution) {
     M::sendMsg("trial", M::MSGTYPE_INFO, "@90-1@\n");
     M::sendFormattedMsg("", 0, "S", M::MSGTYPE_INFO, "1-1", "text", "Why.", "How.");
     M::sendMsgString("common", M::MSGTYPE_OUTPUT, "line");
+    M::sendMsg("trial", M::MSGTYPE_OUTPUT, "@90-1@\n"); // shows no id
     EXPECT_EQ(M::getVerbosity(), 2);
     M::setVerbosity(0);
     EXPECT_EQ(log->all(), "INFO: [Trial 90-1] Plain.\n    Description: d\n"
                           "INFO: [Trial 90-1] Plain.\n    Description: d\n    Resolution: r\n"
-                          "INFO: [S 1-1] text\n    Description: Why.\n    Resolution: How.\nline\n");
+                          "INFO: [S 1-1] text\n    Description: Why.\n    Resolution: How.\nline\nPlain.\n");
 }
 
 TEST_F(ComMsgMgrDatabases, traceVerbosityTellsWhereATraceTextComesFrom) {

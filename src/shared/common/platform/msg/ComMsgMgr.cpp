@@ -435,7 +435,8 @@ void ComMsgMgr::conclude(const Ticket& ticket, std::string_view line, const Make
     if (shown || hidden)
         keep(ticket, line, instance);
     const std::string_view id = ticket.id ? std::string_view(ticket.id->id) : std::string_view();
-    if (shown && !id.empty() && state.verbosity.load(std::memory_order_relaxed) > 0) {
+    const bool showsId = !id.empty() && !head_word(mask).empty();
+    if (shown && showsId && state.verbosity.load(std::memory_order_relaxed) > 0) {
         std::string detailed(line);
         if (state.stamping.load(std::memory_order_relaxed))
             stamp(detailed, mask);
@@ -637,10 +638,10 @@ bool ComMsgMgr::getHelpOnMessage(const std::string& given, std::string& text) {
             if (!HSTStringUtils::iequals(db->alias(), alias))
                 continue;
             if (const ComMsgMgrFile::Entry* entry = db->find(number)) {
-                text = help_text(
-                    db->alias() + ' ' + entry->number,
-                    {*db->words(number, isMsgXlationOn()), entry->description, entry->resolution},
-                    entry->severity);
+                text =
+                    help_text(db->alias() + ' ' + entry->number,
+                              {*db->words(number, isMsgXlationOn()), entry->description, entry->resolution},
+                              entry->severity);
                 return true;
             }
         }
