@@ -1,19 +1,9 @@
 # The Tab key at a real terminal: what it finishes, what it lists, and what it leaves alone.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
 
-cat >common.exp <<'EXPECT'
-set timeout 30
-proc fail {what} {puts "FAILED: $what"; exit 99}
-proc see {what pattern} {
-    expect {
-        -re $pattern {}
-        timeout {fail "$what (nothing came that matches $pattern)"}
-        eof {fail "$what (the session ended)"}
-    }
-}
-proc start {args} {
-    uplevel #0 [list spawn -noecho [lindex $::argv 0] -mode tcl {*}$args]
-    see "a prompt" {corvane% $}
+cat >keys.exp <<'EXPECT'
+proc begin {{columns 80} {type xterm} args} {
+    start $columns $type {*}$args
     send "source -notrace setup.tcl\r"
     see "the set-up" {ready\r+\n.*corvane% $}
 }
@@ -29,14 +19,6 @@ proc shows {keys pattern} {
     see "what the keys $keys show" $pattern
     send "\003"
     see "a prompt after the keys $keys" {corvane% $}
-}
-proc finish {} {
-    send "exit 3\r"
-    expect {
-        eof {}
-        timeout {fail "the session does not end"}
-    }
-    if {[lindex [wait] 3] != 3} {fail "the session ends with a status that was not asked for"}
 }
 EXPECT
 
@@ -62,9 +44,9 @@ TCL
 mkdir -p wkdir/inner
 touch wkdir/file.txt wkfile_one.tcl wkfile_other.tcl 'wksome file.txt' wkgröße.txt
 
-cat >commands.exp <<'EXPECT'
-source common.exp
-start -nolog -nojournal
+on_terminal "commands, namespaces and options are completed" <<'EXPECT'
+source keys.exp
+begin 80 xterm -nolog -nojournal
 shows "\t" { get_property .*omu:: .*puts .*wkgot wkother wkspace:: .*corvane% $}
 gives "wkg\tx" x
 gives "  wkg\tx" x
@@ -90,14 +72,13 @@ send "wkg\tinside\r"
 see "the prompt for the rest of a command" {corvane- $}
 send "\}\r"
 see "a command completed in the second line" {got \(inside\)\r+\n.*corvane% $}
-finish
+send "exit 3\r"
+finish 3
 EXPECT
-run timeout 120 expect commands.exp "$corvane"
-check "commands, namespaces and options are completed" status_is 0
 
-cat >values.exp <<'EXPECT'
-source common.exp
-start -nolog -nojournal
+on_terminal "files, values and variables are completed" <<'EXPECT'
+source keys.exp
+begin 80 xterm -nolog -nojournal
 gives "wkgot wkdi\tf\t" wkdir/file.txt
 gives "wkgot wkdi\ti\tx" wkdir/inner/x
 shows "wkgot wkf\t" {wkfile_one.tcl wkfile_other.tcl \r\n.*corvane% wkgot wkfile_o}
@@ -120,14 +101,13 @@ shows "send_msg_id -severity C\t" {C.*RITICAL\\ WARNING }
 shows "list_property -class ce\t" {ce.*ll }
 shows "get_property ref_n\t" {ref_n.*ame }
 shows "load_features netl\t" {netl.*ist_report }
-finish
+send "exit 3\r"
+finish 3
 EXPECT
-run timeout 120 expect values.exp "$corvane"
-check "files, values and variables are completed" status_is 0
 
-cat >harmless.exp <<'EXPECT'
-source common.exp
-start -quiet
+on_terminal "nothing that is typed is run before Enter" <<'EXPECT'
+source keys.exp
+begin
 foreach keys {"foo \[exit 9\]\t" "wkgot \[wkbomb\] wk\t" "wkgot \$a(\[wkbomb\])\t" "\[wkbomb\] -c\t"
     "wkgot \"x \[wkbomb\] wk\t" "wkgot -x\[wkbomb\]\t" "wkgot \{*\}\[wkbomb\] \t"} {
     shows $keys {\a}
@@ -143,29 +123,25 @@ see "an error" {broken\r\n.*corvane% $}
 send "wkgot nosuchfile\t\003"
 see "a prompt" {corvane% $}
 gives "wkgot \$errorInfo \$errorCode" {the stack|ITS CODE}
-finish
+send "exit 3\r"
+finish 3
 EXPECT
-run timeout 120 expect harmless.exp "$corvane"
-check "nothing that is typed is run before Enter" status_is 0
 check "the journal has what was entered" file_has corvane.jou 'wkgot $errorInfo $errorCode'
 check "the journal has nothing of completion" file_has_not corvane.jou 'omu::'
 check "the log has nothing of completion" file_has_not corvane.log 'Unable to tab complete'
 
-cat >terminals.exp <<'EXPECT'
-source common.exp
-set env(TERM) dumb
-start -nolog -nojournal
+on_terminal "completion works on a dumb and on a narrow terminal" <<'EXPECT'
+source keys.exp
+begin 80 dumb -nolog -nojournal
 gives "wkg\twkfile_on\tx" wkfile_one.tcl|x
 shows "wkgot wkf\t" {wkfile_one.tcl wkfile_other.tcl }
-finish
-set env(TERM) xterm
-set stty_init "columns 20"
-start -nolog -nojournal
+send "exit 3\r"
+finish 3
+begin 20 xterm -nolog -nojournal
 gives "wkg\twkfile_on\twkfile_ot\tx" wkfile_one.tcl|wkfile_other.tcl|x
 shows "wkgot wkf\t" {wkfile_one.tcl.*wkfile_other.tcl }
-finish
+send "exit 3\r"
+finish 3
 EXPECT
-run timeout 120 expect terminals.exp "$corvane"
-check "completion works on a dumb and on a narrow terminal" status_is 0
 
 finish

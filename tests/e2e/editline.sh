@@ -1,15 +1,7 @@
 # The line editor on a terminal: prompts, incomplete commands, keys, history, the hand-over to and from the
 # host's own prompt, other threads, and input that is no terminal.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
-cp -- "$sources/tests/e2e/editline.exp" .
 export samples=$2
-
-# on_terminal "BEHAVIOUR": runs the expect script on standard input.
-on_terminal() {
-    { printf 'source editline.exp\n' && cat; } >script.exp
-    run timeout 250 expect script.exp "$corvane"
-    check "$1" status_is 0
-}
 
 on_terminal "an incomplete command goes on behind the other prompt, and is one entry of the history" <<'EXPECT'
 start

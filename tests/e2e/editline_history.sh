@@ -1,14 +1,7 @@
 # The history of the prompt: kept over sessions and shared by those at the same time, in the user's state
 # directory.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
-cp -- "$sources/tests/e2e/editline.exp" .
 state=$HOME/.local/state/corvane/history
-
-on_terminal() {
-    { printf 'source editline.exp\n' && cat; } >script.exp
-    run timeout 250 expect script.exp "$corvane"
-    check "$1" status_is 0
-}
 
 on_terminal "what is typed is kept" <<'EXPECT'
 start
@@ -55,8 +48,8 @@ EXPECT
 # 8 sessions type 500 commands each at the same time.
 rm -- "$state"
 cat >many.exp <<'EXPECT'
-source editline.exp
-set me [lindex $argv 1]
+lassign $argv program terminal me
+source $terminal
 start 80 xterm -nolog -nojournal
 for {set i 1} {$i <= 500} {incr i} {
     send "set session_${me}_$i ok\r"
@@ -67,7 +60,7 @@ finish 0
 EXPECT
 started=()
 for ((i = 1; i <= 8; ++i)); do
-    timeout 250 expect many.exp "$corvane" "$i" >"many.$i" 2>&1 &
+    timeout 250 expect many.exp "$corvane" "$sources/tests/e2e/terminal.exp" "$i" >"many.$i" 2>&1 &
     started+=($!)
 done
 for ((i = 1; i <= 8; ++i)); do

@@ -1,13 +1,6 @@
 # The line editor in other surroundings: a plain tclsh, no terminal, a terminal that goes away, garbage.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
-cp -- "$sources/tests/e2e/editline.exp" .
 export library=$app_root/lib/libzq_commontasks.so
-
-on_terminal() {
-    { printf 'source editline.exp\n' && cat; } >script.exp
-    run timeout 250 expect script.exp "$corvane"
-    check "$1" status_is 0
-}
 
 on_terminal "tclsh hands its prompt over and gets it back" <<'EXPECT'
 spawn -noecho tclsh8.6

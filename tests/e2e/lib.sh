@@ -25,6 +25,14 @@ run() {
     out=$(<"$scratch/out") err=$(<"$scratch/err")
 }
 
+# on_terminal "BEHAVIOUR": runs the expect script on standard input, which has the program as its argument and the
+# procedures of terminal.exp.
+on_terminal() {
+    { printf 'source {%s}\n' "$sources/tests/e2e/terminal.exp" && cat; } >"$scratch/script.exp"
+    run timeout 250 expect "$scratch/script.exp" "$corvane"
+    check "$1" status_is 0
+}
+
 # check "BEHAVIOUR" TEST...: counts whether TEST, one of the expectations below or any command, is true.
 check() {
     local behaviour=$1

@@ -1,19 +1,10 @@
 # The host's own prompt, without the line editor, in detail: interrupts, events, incomplete commands, the end of input, what log and journal hold.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
 
-cat >common.exp <<'EXPECT'
-set timeout 30
-proc fail {what} {puts "FAILED: $what"; exit 99}
-proc see {what pattern} {
-    expect {
-        -re $pattern {}
-        timeout {fail "$what (nothing came that matches $pattern)"}
-        eof {fail "$what (the session ended)"}
-    }
-}
-proc start {args} {
-    uplevel #0 [list spawn -noecho [lindex $::argv 0] -mode tcl {*}$args]
-    see "the editor's prompt" {corvane% $}
+cat >host.exp <<'EXPECT'
+# Starts a session at the host's own prompt.
+proc begin {args} {
+    start 80 xterm {*}$args
     send "omu::stop_editline\r"
     see "the host's prompt" {Corvane% $}
 }
@@ -25,18 +16,12 @@ proc interrupt {what command} {
     send "\003"
     see "$what to be interrupted" {Interrupted: .*\r\n.*Corvane% $}
 }
-proc finish {status} {
-    expect {
-        eof {}
-        timeout {fail "the session does not end"}
-    }
-    if {[lindex [wait] 3] != $status} {fail "the session ends with another status than $status"}
-}
 EXPECT
 
-cat >interrupts.exp <<'EXPECT'
-source common.exp
-start -nolog -nojournal
+printf 'while 1 {}\n' >loop.tcl
+on_terminal "the interrupt key stops what runs and nothing else" <<'EXPECT'
+source host.exp
+begin -nolog -nojournal
 send "set x \{\r"
 see "the prompt for the rest of a command" {> $}
 send "\003"
@@ -57,13 +42,10 @@ see "that the session lives on" {stillhere\r+\nCorvane% $}
 send "exit 5\r"
 finish 5
 EXPECT
-printf 'while 1 {}\n' >loop.tcl
-run timeout 120 expect interrupts.exp "$corvane"
-check "the interrupt key stops what runs and nothing else" status_is 0
 
-cat >events.exp <<'EXPECT'
-source common.exp
-start -quiet
+on_terminal "events run while the prompt waits" <<'EXPECT'
+source host.exp
+begin
 send "after 50 {puts \[string repeat tick 2\]}; puts started\r"
 see "a timer to fire at the prompt" {ticktick}
 send "after 10 {error \[string repeat bang 2\]}\r"
@@ -82,25 +64,21 @@ see "a prompt of the user's own" {\nmine: $}
 send "\004"
 finish 0
 EXPECT
-run timeout 120 expect events.exp "$corvane"
-check "events run while the prompt waits" status_is 0
 check "the journal has what was typed" file_has_once corvane.jou 'gets stdin line'
 check "the journal has no command of the tool's own" file_has_not corvane.jou 'omu::is_regress'
 check "the log has what was typed" file_has corvane.log 'gets stdin line'
 check "the log has what failed" file_has_once corvane.log 'ERROR: [Common 17-5020] bangbang'
 
 # A terminal that goes away ends the session; what it had to write is written.
-cat >hangup.exp <<'EXPECT'
-source common.exp
-start -quiet
+rm -f corvane.log corvane.jou
+on_terminal "a hang-up is no failure of the test" <<'EXPECT'
+source host.exp
+begin
 send "puts last\[string repeat word 1\]\r"
 see "the output" {lastword\r+\nCorvane% $}
 exec kill -HUP [exp_pid]
 expect eof
 EXPECT
-rm -f corvane.log corvane.jou
-run timeout 60 expect hangup.exp "$corvane"
-check "a hang-up is no failure of the test" status_is 0
 check "after a hang-up the log is whole" file_has corvane.log 'puts last'
 check "after a hang-up the journal is whole" file_has corvane.jou 'puts last'
 

@@ -1,18 +1,8 @@
 # The shell of tcl mode: prompt, results, errors, incomplete commands, the interrupt key.
 source "$(dirname -- "${BASH_SOURCE[0]}")/lib.sh"
 
-cat >session.exp <<'EXPECT'
-set timeout 30
-proc fail {what} {puts "FAILED: $what"; exit 1}
-proc see {what pattern} {
-    expect {
-        -re $pattern {}
-        timeout {fail "$what (nothing came that matches $pattern)"}
-        eof {fail "$what (the session ended)"}
-    }
-}
-spawn -noecho [lindex $argv 0] -mode tcl -nolog -nojournal
-see "a prompt" {% $}
+on_terminal "the shell on a terminal" <<'EXPECT'
+start 80 xterm -nolog -nojournal
 send "expr {6 * 7}\r"
 see "the result of a command" {\r\n42\r\n.*% $}
 send "nosuchcommand\r"
@@ -30,15 +20,8 @@ see "that the interrupt key stops it" {Interrupted: .*% $}
 send "expr {40 + 2}\r"
 see "that the session lives on after the interrupt" {\r\n42\r\n}
 send "exit 3\r"
-expect {
-    eof {}
-    timeout {fail "exit does not end the session"}
-}
-exit [lindex [wait] 3]
+finish 3
 EXPECT
-
-run expect session.exp "$corvane"
-check "the shell on a terminal" status_is 3
 
 printf 'expr {6 * 7}\nnosuchcommand\nputs "still here"\n' >typed
 input=typed run "$corvane" -mode tcl -nolog -nojournal
