@@ -1,34 +1,10 @@
-# What the tests of the list commands share: collections of sample objects, a look at what the console shows,
-# and calls of Tcl's own commands beside the replacements.
+# What the tests of the list commands share: collections of sample objects, and calls of Tcl's own commands beside the
+# replacements.
 
+source [file join [file dirname [file normalize [info script]]] .. console.tcl]
 load $::env(CORVANE_COLLECTION_SAMPLES) Collection_samples
 
 namespace eval support {
-    variable shown ""
-
-    namespace eval listener {
-        namespace export initialize finalize write flush
-        namespace ensemble create
-        proc initialize {channel mode} {return {initialize finalize write flush}}
-        proc finalize {channel} {}
-        proc flush {channel} {}
-        proc write {channel bytes} {
-            append ::support::shown [encoding convertfrom utf-8 $bytes]
-            return ""
-        }
-    }
-
-    # What a script writes to standard output, which then does not get there.
-    proc shown {script} {
-        set ::support::shown ""
-        ::flush stdout
-        chan push stdout ::support::listener
-        tcl::catch {uplevel 1 $script}
-        ::flush stdout
-        chan pop stdout
-        return $::support::shown
-    }
-
     # The code, result and return options of a call in the caller's frame. Namespaces are taken out, so that only
     # real differences remain.
     proc outcome {args} {

@@ -1,25 +1,7 @@
-# What the tests of help share: commands that show each one thing, the console's text, and application roots made up
-# for a test.
+# What the tests of help share: commands that show each one thing, and application roots made up for a test.
 load $env(CORVANE_HELP_SAMPLES) Help_samples
-
-# What a script writes to the console, without its result.
-proc shown {script} {
-    set ::shown ""
-    chan push stdout ::capture
-    try {
-        uplevel 1 $script
-    } finally {
-        chan pop stdout
-    }
-    return $::shown
-}
-namespace eval capture {
-    proc initialize {handle mode} {return {initialize finalize write}}
-    proc finalize {handle} {}
-    proc write {handle bytes} {append ::shown [encoding convertfrom utf-8 $bytes]; return ""}
-    namespace export *
-    namespace ensemble create
-}
+source [file join [file dirname [file normalize [info script]]] .. console.tcl]
+namespace import console::shown
 
 # The messages that a script sends, in place of its result.
 proc messages {script} {

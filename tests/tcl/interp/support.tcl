@@ -1,31 +1,9 @@
-# What the tests of interpreters share: a look at what the console shows.
+# What the tests of interpreters share.
+
+source [file join [file dirname [file normalize [info script]]] .. console.tcl]
+namespace import console::shown
 
 namespace eval support {
-    variable shown ""
-
-    namespace eval listener {
-        namespace export initialize finalize write flush
-        namespace ensemble create
-        proc initialize {channel mode} {return {initialize finalize write flush}}
-        proc finalize {channel} {}
-        proc flush {channel} {}
-        proc write {channel bytes} {
-            append ::support::shown [encoding convertfrom utf-8 $bytes]
-            return ""
-        }
-    }
-
-    # What a script writes to standard output, which then does not get there.
-    proc shown {script} {
-        set ::support::shown ""
-        ::flush stdout
-        chan push stdout ::support::listener
-        catch {uplevel 1 $script}
-        ::flush stdout
-        chan pop stdout
-        return $::support::shown
-    }
-
     # Code and result of a script.
     proc outcome {script} {
         return [list [tcl::catch {uplevel 1 $script} result] $result]

@@ -1,5 +1,7 @@
 # What the tests of the property commands share: the classes gate, port, wire and chip, with objects of them.
 load $env(CORVANE_PROPERTY_SAMPLES) Property_samples
+source [file join [file dirname [file normalize [info script]]] .. console.tcl]
+namespace import console::shown
 
 # The text of the error that a script ends in.
 proc failure {script} {
@@ -7,23 +9,4 @@ proc failure {script} {
         error "no error: $reason"
     }
     return $reason
-}
-
-# What a script writes to the console and leaves as its result.
-proc shown {script} {
-    set ::shown ""
-    chan push stdout ::capture
-    try {
-        uplevel 1 $script
-    } finally {
-        chan pop stdout
-    }
-    return $::shown
-}
-namespace eval capture {
-    proc initialize {handle mode} {return {initialize finalize write}}
-    proc finalize {handle} {}
-    proc write {handle bytes} {append ::shown [encoding convertfrom utf-8 $bytes]; return ""}
-    namespace export *
-    namespace ensemble create
 }
