@@ -2,8 +2,6 @@
 
 #include <fstream>
 
-#include "platform/tcl/HTCTclEncoding.h"
-#include "tcltasks/core/Omu_commontasks.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
@@ -150,17 +148,6 @@ const char* const script = R"TCL(
 } // namespace
 
 Completion::Completion() : m_before(std::filesystem::current_path()) {
-    static const bool ready = [] {
-        Tcl_FindExecutable(nullptr);
-        return true;
-    }();
-    static_cast<void>(ready);
-    std::string pattern = (std::filesystem::temp_directory_path() / "completion_XXXXXX").string();
-    m_directory = ::mkdtemp(pattern.data());
-    std::filesystem::current_path(m_directory);
-    interp = Tcl_CreateInterp();
-    EXPECT_EQ(Tcl_Init(interp), TCL_OK);
-    EXPECT_EQ(Omu_commontasks_Init(interp), TCL_OK) << Tcl_GetStringResult(interp);
     register_task<build>(interp);
     register_task<one>(interp);
     register_task<bare>(interp);
@@ -168,20 +155,12 @@ Completion::Completion() : m_before(std::filesystem::current_path()) {
     register_task<common>(interp);
     register_task<secret>(interp);
     register_task<old>(interp);
-    eval("cd " + m_directory.string());
+    eval("cd " + m_directory.root().string());
     eval(script);
 }
 
 Completion::~Completion() {
-    Tcl_DeleteInterp(interp);
     std::filesystem::current_path(m_before);
-    std::filesystem::remove_all(m_directory);
-}
-
-std::string Completion::eval(const std::string& text) {
-    const int code = Tcl_EvalEx(interp, text.data(), static_cast<int>(text.size()), TCL_EVAL_GLOBAL);
-    EXPECT_EQ(code, TCL_OK) << text << ": " << Tcl_GetStringResult(interp);
-    return Tcl_GetStringResult(interp);
 }
 
 std::string Completion::tab(const std::string& line) {

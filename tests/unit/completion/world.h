@@ -2,20 +2,17 @@
 
 #include <filesystem>
 #include <string>
-#include <tcl.h>
 
-#include <gtest/gtest.h>
-
+#include "../support/ConsoleTest.h"
+#include "../support/TempDir.h"
 #include "tcltasks/builtin/completion/complete.h"
 
 /// A session in a directory of its own, with commands, namespaces, variables and files whose names all begin
 /// with "wk", so that what Tcl and the product bring along does not come into the results.
-class Completion : public ::testing::Test {
+class Completion : public ConsoleTest {
 protected:
     Completion();
     ~Completion() override;
-
-    std::string eval(const std::string& script);
 
     /// What Tab does to a line: the outcome, the line with the cursor as "^", and the listing, with a tab
     /// between them and nothing at the end that is empty.
@@ -25,9 +22,7 @@ protected:
     /// The listing below a line.
     std::string listed(const std::string& line);
 
-    Tcl_Interp* interp;
-
 private:
     std::filesystem::path m_before;
-    std::filesystem::path m_directory;
+    TempDir m_directory;
 };

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/ConsoleTest.h"
 #include "platform/gui/HUTGuiEventBroker.h"
 #include "tcltasks/builtin/source_command_done.h"
-#include "tcltasks/core/Omu_commontasks.h"
 #include "tcltasks/core/itask.h"
 
 namespace {
@@ -13,13 +13,9 @@ namespace {
 using ::testing::ElementsAre;
 using vek::tcltasks::itask;
 
-class SourceEvent : public ::testing::Test {
+class SourceEvent : public ConsoleTest {
 protected:
     SourceEvent() {
-        Tcl_FindExecutable(nullptr);
-        interp = Tcl_CreateInterp();
-        EXPECT_EQ(Tcl_Init(interp), TCL_OK);
-        EXPECT_EQ(Omu_commontasks_Init(interp), TCL_OK) << Tcl_GetStringResult(interp);
         connection = HUTGuiEventBroker::instance().addListener<source_command_done>(
             [this](const source_command_done& event) {
                 EXPECT_EQ(event.getType(), 66);
@@ -32,19 +28,15 @@ protected:
                 }
             });
     }
-    ~SourceEvent() override {
-        connection.disconnect();
-        Tcl_DeleteInterp(interp);
-    }
+    ~SourceEvent() override { connection.disconnect(); }
 
     int source(const char* name, const char* text) {
         if (text) {
             std::ofstream(name) << text;
         }
-        return Tcl_Eval(interp, (std::string("omu::source ") + name).c_str());
+        return run(std::string("omu::source ") + name);
     }
 
-    Tcl_Interp* interp;
     HUTGuiEventConnectionHandle connection;
     std::vector<int> codes;
     bool forgive = false;

@@ -13,6 +13,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "../support/TempDir.h"
 #include "platform/env/HUTFile.h"
 
 namespace {
@@ -22,22 +23,16 @@ using testing::IsEmpty;
 
 class HUTHistoryFileTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = testing::TempDir() + "history_XXXXXX";
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        m_folder = name;
-    }
-    void TearDown() override {
-        std::filesystem::permissions(m_folder, std::filesystem::perms::owner_all);
-        std::filesystem::remove_all(m_folder);
+    ~HUTHistoryFileTest() override {
+        std::filesystem::permissions(m_folder.root(), std::filesystem::perms::owner_all);
     }
 
-    std::string path(const std::string& name = "history") const { return m_folder + "/" + name; }
+    std::string path(const std::string& name = "history") const { return m_folder.path(name); }
     std::vector<std::string> all(const std::string& name = "history") const {
         return HUTHistoryFile(path(name)).newest(1000000);
     }
 
-    std::string m_folder;
+    const TempDir m_folder;
 };
 
 TEST_F(HUTHistoryFileTest, GivesTheEntriesOfEarlierSessionsInTheirOrder) {
@@ -202,7 +197,7 @@ TEST_F(HUTHistoryFileTest, TellsOnceWhyNothingIsKeptAndCatchesUpLater) {
 }
 
 TEST_F(HUTHistoryFileTest, RefusesToReadADirectory) {
-    EXPECT_THROW(HUTHistoryFile(m_folder).newest(1), std::system_error);
+    EXPECT_THROW(HUTHistoryFile(m_folder.root().string()).newest(1), std::system_error);
 }
 
 TEST_F(HUTHistoryFileTest, WaitsForTheLockNotForever) {

@@ -10,26 +10,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "../support/TempDir.h"
+
 /// A test in an empty directory of its own, which is the working directory while it runs.
 class InTempDir : public ::testing::Test {
 protected:
-    void SetUp() override {
-        before_ = std::filesystem::current_path();
-        std::string name = std::filesystem::temp_directory_path() / "corvane_env_XXXXXX";
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        dir = std::filesystem::canonical(name);
-        std::filesystem::current_path(dir);
-    }
-    void TearDown() override {
-        std::filesystem::current_path(before_);
-        std::error_code ignored;
-        std::filesystem::remove_all(dir, ignored);
-    }
-
-    std::filesystem::path dir;
+    void SetUp() override { std::filesystem::current_path(dir); }
+    void TearDown() override { std::filesystem::current_path(before_); }
 
 private:
-    std::filesystem::path before_;
+    const std::filesystem::path before_ = std::filesystem::current_path();
+    const TempDir directory_;
+
+protected:
+    const std::filesystem::path dir = directory_.root();
 };
 
 /// A variable of the environment, set or unset for a scope.

@@ -43,18 +43,6 @@ const ::testing::Environment* const s_root = ::testing::AddGlobalTestEnvironment
 
 } // namespace
 
-TempDir::TempDir() {
-    std::string path = (std::filesystem::temp_directory_path() / "corvane_test_XXXXXX").string();
-    if (!::mkdtemp(path.data()))
-        throw std::runtime_error("no temporary directory");
-    m_path = path;
-}
-
-TempDir::~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
 void write_file(const std::string& path, const std::string& content) {
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     std::ofstream(path, std::ios::binary) << content;

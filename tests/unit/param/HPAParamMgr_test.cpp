@@ -5,11 +5,12 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/RecordingSink.h"
+#include "../support/TempDir.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/msg/HEX.h"
 
@@ -31,27 +32,15 @@ parameter b.gone int 0 obsolete "A number without effect."
 parameter z.driver linked false links a.bool !b.hidden "Drives others."
 )";
 
-class RecordingSink : public ComMsgMgrSink {
-public:
-    void write(std::string_view text) override { all += text; }
-    std::string all;
-};
-
 class HPAParamMgrTest : public ::testing::Test {
 protected:
     HPAParamMgrTest() {
         ::setenv("OMU_APPROOT", CORVANE_ROOT, 1);
-        std::string path = (std::filesystem::temp_directory_path() / "corvane_test_XXXXXX").string();
-        root = ::mkdtemp(path.data());
         declare("test", declarations);
         ComMsgMgr::uninit();
         ComMsgMgr::setSink(ComMsgMgr::Destination::console, console);
     }
-    ~HPAParamMgrTest() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(root, ignored);
-        ComMsgMgr::uninit();
-    }
+    ~HPAParamMgrTest() override { ComMsgMgr::uninit(); }
 
     void declare(const std::string& file, const std::string& text) {
         std::filesystem::create_directories(root + "/data/param");
@@ -81,7 +70,8 @@ protected:
         return result;
     }
 
-    std::string root;
+    const TempDir directory;
+    const std::string root = directory.root().string();
     std::shared_ptr<RecordingSink> console = std::make_shared<RecordingSink>();
 };
 
@@ -214,14 +204,14 @@ TEST_F(HPAParamMgrTest, aLinkedParameterDrivesOthers) {
     mgr.setBoolValue("z.driver", false);
     EXPECT_FALSE(mgr.getValueAsBool("a.bool"));
     EXPECT_TRUE(mgr.getValueAsBool("b.hidden"));
-    EXPECT_THAT(console->all,
+    EXPECT_THAT(console->all(),
                 HasSubstr("INFO: [Common 17-1664] The parameter 'a.bool' follows and is now false."));
-    EXPECT_THAT(console->all, ::testing::Not(HasSubstr("b.hidden")));
+    EXPECT_THAT(console->all(), ::testing::Not(HasSubstr("b.hidden")));
     mgr.setBoolValue("z.driver", true);
-    console->all.clear();
+    console->clear();
     mgr.reset("z.driver");
     EXPECT_FALSE(mgr.getValueAsBool("a.bool"));
-    EXPECT_THAT(console->all,
+    EXPECT_THAT(console->all(),
                 HasSubstr("[Common 17-1665] The parameter 'b.hidden' follows the reset and is now true."));
 }
 
@@ -268,11 +258,11 @@ TEST_F(HPAParamMgrTest, readersOfAnotherTypeGetTheNearestSense) {
 TEST_F(HPAParamMgrTest, lifeCycleCheckWarnsOfOldParameters) {
     const HPAParamMgr mgr({root});
     mgr.find("a.bool")->lifeCycleCheck();
-    EXPECT_EQ(console->all, "");
+    EXPECT_EQ(console->all(), "");
     mgr.find("b.old")->lifeCycleCheck();
     mgr.find("b.gone")->lifeCycleCheck();
-    EXPECT_THAT(console->all, HasSubstr("WARNING: [Common 17-5200] The parameter 'b.old' is deprecated."));
-    EXPECT_THAT(console->all, HasSubstr("WARNING: [Common 17-5201] The parameter 'b.gone' is obsolete"));
+    EXPECT_THAT(console->all(), HasSubstr("WARNING: [Common 17-5200] The parameter 'b.old' is deprecated."));
+    EXPECT_THAT(console->all(), HasSubstr("WARNING: [Common 17-5201] The parameter 'b.gone' is obsolete"));
 }
 
 TEST_F(HPAParamMgrTest, listenersHearEachChangeUntilTheyLeave) {

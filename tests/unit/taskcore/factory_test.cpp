@@ -1,7 +1,6 @@
 // What every command of the library has to tell of itself.
 #include "support.h"
 
-
 #include "tcltasks/core/Omu_commontasks.h"
 
 using namespace vek::tcltasks;

@@ -272,7 +272,7 @@ TEST_F(Options, AListGivenTwiceIsAppended) {
 
 TEST_F(Options, AListThatDoesNotComposeKeepsTheLastAndWarns) {
     EXPECT_EQ(words("last", "-last a -last b"), strings_t{"b"});
-    EXPECT_TRUE(has(console->text(), "WARNING: [Common 17-5010] Option '-last'")) << console->text();
+    EXPECT_TRUE(has(console->all(), "WARNING: [Common 17-5010] Option '-last'")) << console->all();
 }
 
 TEST_F(Options, AMultiTokenOptionTakesWordsUpToTheNextSwitch) {
@@ -298,16 +298,15 @@ TEST_F(Options, OptionsThatExcludeEachOtherAreRefusedInEitherOrder) {
 
 TEST_F(Options, ADeprecatedOptionWorksWarnsAndIsHidden) {
     EXPECT_EQ(text("oldname", "-oldname x"), "x");
-    EXPECT_TRUE(has(console->text(), "WARNING: [Common 17-5014]") && has(console->text(), "Use -name."))
-        << console->text();
-    EXPECT_FALSE(
-        has(eval("trial::grammar -help; set console {}") + console->text(), "What -name was called"));
+    EXPECT_TRUE(has(console->all(), "WARNING: [Common 17-5014]") && has(console->all(), "Use -name."))
+        << console->all();
+    EXPECT_FALSE(has(eval("trial::grammar -help; set console {}") + console->all(), "What -name was called"));
 }
 
 TEST_F(Options, HelpIsPrintedAndNothingRuns) {
     EXPECT_EQ(eval("trial::grammar -help"), "");
     EXPECT_EQ(grammar::task::runs, 0);
-    const std::string page = console->text();
+    const std::string page = console->all();
     for (const char* part :
          {"Take one option of every kind.", "-number", "An integer", "Default: 7", "gui|tcl|batch", "<first>",
           "[<rest>...]", "What was given", "-quiet", "Trial"}) {
@@ -318,7 +317,7 @@ TEST_F(Options, HelpIsPrintedAndNothingRuns) {
 
 TEST_F(Options, OwnerIsPrintedAndNothingRuns) {
     EXPECT_EQ(eval("trial::grammar -owner"), "");
-    EXPECT_EQ(console->text(), "trial\n");
+    EXPECT_EQ(console->all(), "trial\n");
     EXPECT_EQ(grammar::task::runs, 0);
 }
 
@@ -328,7 +327,7 @@ TEST_F(Options, QuietSwallowsTheErrorWhereverItStands) {
         EXPECT_EQ(eval(std::string("trial::grammar ") + words), "") << words;
     }
     EXPECT_EQ(grammar::task::runs, 0);
-    EXPECT_EQ(console->text(), "");
+    EXPECT_EQ(console->all(), "");
 }
 
 TEST_F(Options, QuietAndVerboseCanBeAskedFor) {
@@ -542,7 +541,7 @@ TEST_F(Options, TheErrorCodeHasTheMessageId) {
 
 TEST_F(Options, DeclaringATaskTwiceIsReported) {
     grammar::task::description_instance("Another", "");
-    EXPECT_TRUE(has(console->text(), "17-5015") && has(console->text(), "trial::grammar")) << console->text();
+    EXPECT_TRUE(has(console->all(), "17-5015") && has(console->all(), "trial::grammar")) << console->all();
     EXPECT_EQ(grammar::task::description_instance(options_description::undeclared, "").description(),
               "Take one option of every kind.");
 }

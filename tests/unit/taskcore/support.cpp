@@ -17,38 +17,15 @@ std::map<std::string, gate*>& living() {
 } // namespace
 
 TaskTest::TaskTest() {
-    static const bool ready = [] {
-        Tcl_FindExecutable(nullptr);
-        return true;
-    }();
-    static_cast<void>(ready);
     ComMsgMgr::init(ComMsgMgr::MSGCACHE_LATEST, "");
     ComMsgMgr::setSink(ComMsgMgr::Destination::console, console);
-    interp = Tcl_CreateInterp();
     HTCTclInterp::registerInterp(interp);
 }
 
 TaskTest::~TaskTest() {
     HTCUndoRedo::Mgr::instance().clearUndoRedo();
-    Tcl_DeleteInterp(interp);
     ComMsgMgr::uninit();
     ComMsgMgr::setSink(ComMsgMgr::Destination::console, nullptr);
-}
-
-std::string TaskTest::result() const {
-    return HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp));
-}
-
-std::string TaskTest::eval(const std::string& script) {
-    const int code = Tcl_EvalEx(interp, script.data(), static_cast<int>(script.size()), TCL_EVAL_GLOBAL);
-    EXPECT_EQ(code, TCL_OK) << script << ": " << result();
-    return result();
-}
-
-std::string TaskTest::error(const std::string& script) {
-    const int code = Tcl_EvalEx(interp, script.data(), static_cast<int>(script.size()), TCL_EVAL_GLOBAL);
-    EXPECT_EQ(code, TCL_ERROR) << script << ": " << result();
-    return result();
 }
 
 int TaskTest::call(const std::vector<Tcl_Obj*>& words) {

@@ -2,53 +2,27 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <tcl.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "../support/InterpTest.h"
+#include "../support/RecordingSink.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/core/task.h"
 
-/// Keeps the text of all messages.
-class RecordingSink : public ComMsgMgrSink {
-public:
-    void write(std::string_view text) override {
-        std::lock_guard lock(m_mutex);
-        m_text += text;
-    }
-    std::string text() const {
-        std::lock_guard lock(m_mutex);
-        return m_text;
-    }
-    void clear() {
-        std::lock_guard lock(m_mutex);
-        m_text.clear();
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::string m_text; // guarded by m_mutex
-};
-
 /// An interpreter that the task core knows, and what is shown while it lives.
-class TaskTest : public ::testing::Test {
+class TaskTest : public InterpTest {
 protected:
     TaskTest();
     ~TaskTest() override;
 
-    /// The result of a script that has to succeed.
-    std::string eval(const std::string& script);
-    /// The result of a script that has to fail.
-    std::string error(const std::string& script);
     /// Calls a command with values as they are. Returns the Tcl code.
     int call(const std::vector<Tcl_Obj*>& words);
-    std::string result() const;
 
-    Tcl_Interp* interp;
     std::shared_ptr<RecordingSink> console = std::make_shared<RecordingSink>();
 };
 

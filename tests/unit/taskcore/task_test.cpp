@@ -156,7 +156,7 @@ TEST_F(Task, AMessageExceptionBecomesTheResult) {
     EXPECT_EQ(error("trial::scripted"), "ERROR: [Common 17-153] No parameter is named 'nosuch'.");
     EXPECT_EQ(eval("set errorCode"), "CORVANE {Common 17-153}");
     EXPECT_EQ(eval("catch trial::scripted"), "1");
-    EXPECT_EQ(console->text(), "") << "an error that is caught is not shown";
+    EXPECT_EQ(console->all(), "") << "an error that is caught is not shown";
 }
 
 TEST_F(Task, EveryKindOfExceptionNamesTheCommandAndTheReason) {
@@ -215,7 +215,7 @@ TEST_F(Task, QuietHidesMessagesAndTheError) {
         return TCL_ERROR;
     };
     EXPECT_EQ(eval("trial::scripted -quiet"), "");
-    EXPECT_EQ(console->text(), "");
+    EXPECT_EQ(console->all(), "");
     scripted::body = [](Tcl_Interp*, scripted&) -> int { throw HTCErrors::command_failed("x"); };
     EXPECT_EQ(eval("trial::scripted -quiet"), "");
 }
@@ -234,9 +234,9 @@ TEST_F(Task, QuietCoversWhatTheCommandRuns) {
 TEST_F(Task, ADeprecatedTaskWarnsAndRuns) {
     scripted::advice = "Use trial::better.";
     eval("trial::scripted");
-    EXPECT_TRUE(has(console->text(),
+    EXPECT_TRUE(has(console->all(),
                     "WARNING: [Common 17-5013] 'trial::scripted' will be given up. Use trial::better."))
-        << console->text();
+        << console->all();
 }
 
 TEST_F(Task, TheNoActionCodeIsNoErrorAndKeepsTheResult) {
@@ -292,7 +292,7 @@ TEST_F(Task, ACommandMayBeDeletedByAScriptAndRegisteredAgain) {
     error("trial::scripted");
     register_task<scripted>(interp);
     EXPECT_EQ(eval("trial::scripted"), "");
-    EXPECT_EQ(console->text(), "") << "the options are not declared twice";
+    EXPECT_EQ(console->all(), "") << "the options are not declared twice";
 }
 
 TEST_F(Task, UnregisteringInOneInterpreterLeavesTheOthers) {
@@ -337,7 +337,7 @@ TEST_F(Task, ASecondInterpreterFindsTheOptionsDeclared) {
     HTCTclInterp::registerInterp(other);
     register_task<scripted>(other);
     EXPECT_EQ(Tcl_Eval(other, "trial::scripted x"), TCL_OK);
-    EXPECT_EQ(console->text(), "");
+    EXPECT_EQ(console->all(), "");
     Tcl_DeleteInterp(other);
 }
 
@@ -370,11 +370,11 @@ TEST_F(Task, AnErrorIsShownOnceInACommand) {
     const task_manager::top_level scope("trial");
     task_manager::write_error_result("words of a script", 0);
     task_manager::write_error_result("", 0);
-    EXPECT_EQ(console->text(), "ERROR: [Common 17-5020] words of a script\n");
+    EXPECT_EQ(console->all(), "ERROR: [Common 17-5020] words of a script\n");
     console->clear();
     task_manager::write_error_result("ERROR: [Common 17-153] as it is.", 0);
     task_manager::write_error_result("ERROR: [Common 17-153] as it is.", 0);
-    EXPECT_EQ(console->text(), "ERROR: [Common 17-153] as it is.\n");
+    EXPECT_EQ(console->all(), "ERROR: [Common 17-153] as it is.\n");
 }
 
 TEST_F(Task, TheMessageBehindAResultIsSentOnce) {
@@ -386,7 +386,7 @@ TEST_F(Task, TheMessageBehindAResultIsSentOnce) {
     std::string line;
     task_manager::retrieve_and_send_except_msg_instance(line, 0);
     EXPECT_EQ(line, "ERROR: [Common 17-153] No parameter is named 'x'.");
-    EXPECT_EQ(console->text(), line + "\n");
+    EXPECT_EQ(console->all(), line + "\n");
     eval("set x 1");
     task_manager::retrieve_and_send_except_msg_instance(line, 0);
     EXPECT_EQ(line, "");

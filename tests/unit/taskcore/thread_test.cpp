@@ -191,7 +191,7 @@ TEST_F(Threads, AnEvaluationIsJournalledAsItselfAsOtherTextOrNotAtAll) {
     task_manager::eval_in_tcl(interp, "set c 1", task_manager::dont_record_command, false);
     task_manager::eval_in_tcl(interp, "set d 1", "", false);
     ComMsgMgr::setSink(ComMsgMgr::Destination::journal, before);
-    EXPECT_EQ(journal->text(), "set a 1\nother text\n");
+    EXPECT_EQ(journal->all(), "set a 1\nother text\n");
 }
 
 TEST_F(Threads, EvaluationIsAtGlobalLevel) {

@@ -181,7 +181,7 @@ TEST_F(ValueSemantic, AListThatDoesNotComposeIsReplacedWithAWarning) {
     give(list, store, "a b");
     give(list, store, "c");
     EXPECT_EQ(boost::any_cast<std::vector<std::string>>(store), std::vector<std::string>{"c"});
-    EXPECT_NE(console->text().find("17-5010"), std::string::npos);
+    EXPECT_NE(console->all().find("17-5010"), std::string::npos);
 }
 
 TEST_F(ValueSemantic, AListLongerThanItMayBeIsRefused) {
@@ -214,7 +214,7 @@ TEST_F(ValueSemantic, ACollectionThatDoesNotComposeIsReplacedWithAWarning) {
     give(semantic, store, "a b");
     give(semantic, store, "c");
     EXPECT_EQ(boost::any_cast<strings>(store).size(), 1u);
-    EXPECT_NE(console->text().find("17-5010"), std::string::npos);
+    EXPECT_NE(console->all().find("17-5010"), std::string::npos);
 }
 
 TEST_F(ValueSemantic, AnUntypedCollectionSharesTheBodyAndTakesNothingElse) {

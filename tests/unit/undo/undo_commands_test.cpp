@@ -7,10 +7,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/ConsoleTest.h"
+#include "../support/RecordingSink.h"
 #include "platform/msg/ComMsgMgr.h"
 #include "platform/taskcore/HTCUndoRedo.h"
 #include "platform/tcl/HTCTclEncoding.h"
-#include "tcltasks/core/Omu_commontasks.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
@@ -111,20 +112,9 @@ private:
     std::string m_script;
 };
 
-class RecordingSink : public ComMsgMgrSink {
-public:
-    void write(std::string_view text) override { all += text; }
-    std::string all;
-};
-
-class UndoCommands : public ::testing::Test {
+class UndoCommands : public ConsoleTest {
 protected:
-    static void SetUpTestSuite() { Tcl_FindExecutable(nullptr); }
-
     UndoCommands() {
-        interp = Tcl_CreateInterp();
-        EXPECT_EQ(Tcl_Init(interp), TCL_OK);
-        EXPECT_EQ(Omu_commontasks_Init(interp), TCL_OK) << Tcl_GetStringResult(interp);
         register_task<put>(interp);
         register_task<script>(interp);
         ComMsgMgr::uninit();
@@ -139,21 +129,9 @@ protected:
             stack.endGroup(true);
         }
         stack.clearUndoRedo();
-        Tcl_DeleteInterp(interp);
         ComMsgMgr::setSink(ComMsgMgr::Destination::console, nullptr);
     }
 
-    std::string result() const { return HTCTclEncoding::tclGetString(Tcl_GetObjResult(interp)); }
-    std::string eval(const std::string& text) {
-        EXPECT_EQ(Tcl_Eval(interp, text.c_str()), TCL_OK) << text << ": " << result();
-        return result();
-    }
-    std::string error(const std::string& text) {
-        EXPECT_EQ(Tcl_Eval(interp, text.c_str()), TCL_ERROR) << text << ": " << result();
-        return result();
-    }
-
-    Tcl_Interp* interp;
     std::shared_ptr<RecordingSink> console = std::make_shared<RecordingSink>();
 };
 
@@ -172,8 +150,8 @@ TEST_F(UndoCommands, AnEmptyStackIsToldAndChangesNothing) {
     state()["a"] = "1";
     EXPECT_EQ(error("undo"), "");
     EXPECT_EQ(error("redo"), "");
-    EXPECT_EQ(console->all, "INFO: [Common 17-174] There is nothing to undo.\n"
-                            "INFO: [Common 17-173] There is nothing to redo.\n");
+    EXPECT_EQ(console->all(), "INFO: [Common 17-174] There is nothing to undo.\n"
+                              "INFO: [Common 17-173] There is nothing to redo.\n");
     EXPECT_EQ(state(), (values{{"a", "1"}}));
     EXPECT_EQ(eval("undo -quiet"), "");
 }
@@ -249,10 +227,10 @@ TEST_F(UndoCommands, UndoInAnOpenGroupWarnsAndTakesBackWhatItHolds) {
     EXPECT_EQ(eval("undo -size"), "2");
     EXPECT_EQ(eval("undo -list"), "sample::put a 2; sample::put b 3\nsample::put a 1\n");
     eval("undo");
-    EXPECT_THAT(console->all, HasSubstr("WARNING: [Common 17-378]"));
+    EXPECT_THAT(console->all(), HasSubstr("WARNING: [Common 17-378]"));
     EXPECT_EQ(state(), (values{{"a", "1"}}));
     eval("redo");
-    EXPECT_THAT(console->all, HasSubstr("WARNING: [Common 17-377]"));
+    EXPECT_THAT(console->all(), HasSubstr("WARNING: [Common 17-377]"));
     EXPECT_EQ(state(), (values{{"a", "2"}, {"b", "3"}}));
     eval("sample::put c 4; endgroup; undo; undo; undo");
     EXPECT_EQ(state(), values{});
@@ -265,18 +243,18 @@ TEST_F(UndoCommands, AnOpenGroupAloneCanBeUndone) {
 
 TEST_F(UndoCommands, WhatWasUndoneIsTold) {
     eval("sample::put a {1 2}; undo; redo; startgroup; sample::put b 1; sample::put c 2; endgroup; undo");
-    EXPECT_THAT(console->all, HasSubstr("INFO: [Common 17-5040] Undone: 'sample::put a {1 2}'.\n"));
-    EXPECT_THAT(console->all, HasSubstr("INFO: [Common 17-5041] Redone: 'sample::put a {1 2}'.\n"));
-    EXPECT_THAT(console->all, HasSubstr("Undone: a group of commands (2).\n"));
-    console->all.clear();
+    EXPECT_THAT(console->all(), HasSubstr("INFO: [Common 17-5040] Undone: 'sample::put a {1 2}'.\n"));
+    EXPECT_THAT(console->all(), HasSubstr("INFO: [Common 17-5041] Redone: 'sample::put a {1 2}'.\n"));
+    EXPECT_THAT(console->all(), HasSubstr("Undone: a group of commands (2).\n"));
+    console->clear();
     eval("sample::put a [string repeat \\u4e2d 100000]; undo");
-    EXPECT_LT(console->all.size(), 300u);
-    EXPECT_THAT(console->all, HasSubstr("\u4e2d...'."));
+    EXPECT_LT(console->all().size(), 300u);
+    EXPECT_THAT(console->all(), HasSubstr("\u4e2d...'."));
 }
 
 TEST_F(UndoCommands, NodisplayKeepsAGroupFromBeingTold) {
     eval("startgroup; sample::put a 1; endgroup -nodisplay; undo; redo");
-    EXPECT_EQ(console->all, "");
+    EXPECT_EQ(console->all(), "");
     EXPECT_EQ(state(), (values{{"a", "1"}}));
 }
 
@@ -320,7 +298,7 @@ TEST_F(UndoCommands, AGroupThatFailsHalfWayIsBroughtBackAndTold) {
               "Nothing can be undone or redone any more.");
     EXPECT_EQ(state(), before);
     EXPECT_EQ(eval("list [undo -size] [redo -size]"), "0 0");
-    EXPECT_THAT(console->all, Not(HasSubstr("Undone")));
+    EXPECT_THAT(console->all(), Not(HasSubstr("Undone")));
     stuck().clear();
     eval("startgroup; sample::put d 4; sample::put e 5; endgroup; undo");
     stuck() = "e";
