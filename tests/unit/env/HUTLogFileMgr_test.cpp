@@ -19,6 +19,23 @@ namespace fs = std::filesystem;
 using Log = HUTLogFileMgr;
 using ::testing::HasSubstr;
 
+/// What this process may write into a file, as a disk has room for it.
+class Room {
+public:
+    Room() {
+        ::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+    }
+    /// From here on a file may have so many bytes.
+    void limit(rlim_t bytes) const { set({bytes, m_before.rlim_max}); }
+    void lift() const { set(m_before); }
+
+private:
+    static void set(const struct rlimit& limit) { ::setrlimit(RLIMIT_FSIZE, &limit); }
+
+    struct rlimit m_before {};
+};
+
 class LogFileTest : public InTempDir {
 protected:
     void TearDown() override {
@@ -415,13 +432,9 @@ TEST_F(LogFileTest, AFailingJournalIsToldToo) {
 
 TEST_F(LogFileTest, WhatADiskRefusedIsWrittenOnceThereIsRoomAgain) {
     const auto child = run_child([] {
-        ::signal(SIGXFSZ, SIG_IGN);
         Log::createLogFile("l", false);
-        struct rlimit limit {};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        const rlim_t all = limit.rlim_cur;
-        limit.rlim_cur = 10;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const Room room;
+        room.limit(10);
         Log::writeLog("a line that is too long\n");
         Log::flush();
         const auto error = Log::takeWriteError();
@@ -430,12 +443,10 @@ TEST_F(LogFileTest, WhatADiskRefusedIsWrittenOnceThereIsRoomAgain) {
         Log::writeLog("second\n");
         Log::flush();
         EXPECT_FALSE(Log::takeWriteError());
-        limit.rlim_cur = all;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        room.lift();
         Log::flush();
         EXPECT_EQ(HUTFile::read("l"), "a line that is too long\nsecond\n");
-        limit.rlim_cur = 10;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        room.limit(10);
         Log::writeLog("third\n");
         Log::flush();
         EXPECT_TRUE(Log::takeWriteError()) << "a new failure is told anew";
@@ -445,16 +456,11 @@ TEST_F(LogFileTest, WhatADiskRefusedIsWrittenOnceThereIsRoomAgain) {
 
 TEST_F(LogFileTest, WhatFollowsALostTextStartsOnALineOfItsOwn) {
     const auto child = run_child([] {
-        ::signal(SIGXFSZ, SIG_IGN);
         Log::createLogFile("l", false);
-        struct rlimit limit {};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        const rlim_t all = limit.rlim_cur;
-        limit.rlim_cur = 10;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const Room room;
+        room.limit(10);
         Log::writeLog(std::string(100000, 'x') + '\n');
-        limit.rlim_cur = all;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        room.lift();
         Log::writeLog("after\n");
         Log::flush();
         EXPECT_EQ(HUTFile::read("l"),
@@ -465,20 +471,15 @@ TEST_F(LogFileTest, WhatFollowsALostTextStartsOnALineOfItsOwn) {
 
 TEST_F(LogFileTest, WhereTextWasLostStandsOneComment) {
     const auto child = run_child([] {
-        ::signal(SIGXFSZ, SIG_IGN);
         Log::createJournalFile("j", false);
-        struct rlimit limit {};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        const rlim_t all = limit.rlim_cur;
-        limit.rlim_cur = 0;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const Room room;
+        room.limit(0);
         const std::string line = std::string(99, 'k') + '\n';
         for (int i = 0; i < 10'000; ++i)
             Log::writeJournal(line);
         Log::writeJournal(std::string(200'000, 'x'));
         Log::flush();
-        limit.rlim_cur = all;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        room.lift();
         Log::writeJournal("after\n");
         Log::flush();
         const std::string text = HUTFile::read("j");
@@ -494,21 +495,16 @@ TEST_F(LogFileTest, WhereTextWasLostStandsOneComment) {
 
 TEST_F(LogFileTest, EachGapHasACommentOfItsOwn) {
     const auto child = run_child([] {
-        ::signal(SIGXFSZ, SIG_IGN);
         Log::createLogFile("l", false);
-        struct rlimit limit {};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        const rlim_t all = limit.rlim_cur;
-        limit.rlim_cur = 0;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const Room room;
+        room.limit(0);
         for (const char* word : {"one", "two"}) {
             Log::writeLog(std::string(200'000, 'x'));
             Log::writeLog(std::string(word) + "\n");
         }
         for (int i = 0; i < 3; ++i)
             Log::writeLog(std::string(200'000, 'x') + '\n');
-        limit.rlim_cur = all;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        room.lift();
         Log::flush();
         const std::string mark = "# Text is missing here: the file could not be written.\n";
         EXPECT_EQ(HUTFile::read("l"), mark + "one\n" + mark + "two\n" + mark);
