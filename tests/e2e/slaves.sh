@@ -21,6 +21,16 @@ check "a safe one cannot load them and says so" \
 check "a deleted one is gone" matches 'left=.*ormeau:slave1'
 check "no error file was written" missing slave_creation_error.log
 
+cat >product.tcl <<'TCL'
+omu::create_slave worker
+puts "design=[worker eval {llength [info commands get_cells]}]"
+TCL
+run "$corvane" -mode batch -source product.tcl
+check "an interpreter has the commands of the product" shows "design=1"
+run "$corvane" -mode batch -nointernaltcl -source product.tcl
+check "without the product's libraries there are none" shows "design=0"
+rm -f -- *.log *.jou
+
 cat >taken.tcl <<'TCL'
 omu::create_slave twice
 omu::create_slave twice
@@ -35,13 +45,18 @@ check "Tcl's reason is in a file" file_has slave_creation_error.log \
 export library=$app_root/lib/libzq_commontasks.so
 cat >plain.tcl <<'TCL'
 load $env(library) Zq_commontasks
+set before [omu::create_slave before]
+load [file join [file dirname $env(library)] libzq_design.so] Zq_design
 set slave [omu::create_slave]
 puts "answer=[$slave eval omu::is_regress] import=[$slave eval {llength [info commands get_param]}]"
+puts "design=[$before eval {info commands get_cells}],[$slave eval {info commands get_cells}]"
+omu::delete_slave before
 for {set i 0} {$i < 20} {incr i} {omu::delete_slave [omu::create_slave]}
 puts "left=[interp slaves]"
 TCL
 run tclsh8.6 plain.tcl
 check "slaves work in plain Tcl" shows "answer=0 import=1"
+check "they have the libraries that their creator has by then" shows "design=,get_cells"
 check "and go" shows "left=ormeau:slave0"
 check "and the process ends well" status_is 0
 
@@ -121,6 +136,14 @@ check "and says so once" shows_once "[Common 17-5401] The encrypted file 'short.
 # The line of the environment beats the installation's, the parameter beats both.
 run env CORVANE_SCRIPT_KEY=nosuch.key installation/bin/corvane -mode batch -source use.tcl
 check "the environment names another key file" shows "[Common 17-5405] The key file 'nosuch.key' cannot be read"
+
+# What stands in the place of the library that encrypts is no library.
+mkdir damaged
+echo "no library" >damaged/"$(basename -- "$(strings "$app_root/lib/libzq_common.so" | grep '^libsodium\.so')")"
+run env LD_LIBRARY_PATH="$PWD/damaged" installation/bin/corvane -mode batch -source use.tcl
+check "without the library that encrypts nothing is evaluated" shows_not "answer="
+check "and the session ends" status_is 1
+check "with the reason" shows_once "[Common 17-5409] Encrypted scripts need the library libsodium, which cannot be used: "
 
 # Sessions without encrypted scripts do not load the library that encrypts.
 cat >maps.tcl <<'TCL'

@@ -1,6 +1,7 @@
 // For the tests of interpreters: samples::queried QUERY NAME ... gives the names as a collection that came
 // from a query, samples::unqueried NAME ... as one of unknown origin; samples::scope NAME LEVEL makes trace
-// texts of a scope visible, and hides them at level 0.
+// texts of a scope visible, and hides them at level 0; samples::echo ?BOOLEAN? tells whether commands are
+// echoed, after turning that on or off.
 #include <memory>
 #include <string>
 
@@ -59,11 +60,26 @@ int scope(ClientData, Tcl_Interp* interp, int, Tcl_Obj* const* objv) {
     });
 }
 
+int echo(ClientData, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv) {
+    return tcl_guard(interp, [&] {
+        int on = 0;
+        if (objc > 1 && Tcl_GetBooleanFromObj(interp, objv[1], &on) != TCL_OK) {
+            return TCL_ERROR;
+        }
+        if (objc > 1) {
+            on ? ComMsgMgr::turnOnTclEcho() : ComMsgMgr::turnOffTclEcho();
+        }
+        Tcl_SetObjResult(interp, Tcl_NewBooleanObj(ComMsgMgr::isTclEchoOn()));
+        return TCL_OK;
+    });
+}
+
 } // namespace
 
 extern "C" DLLEXPORT int Interp_samples_Init(Tcl_Interp* interp) {
     Tcl_CreateObjCommand(interp, "samples::queried", queried, nullptr, nullptr);
     Tcl_CreateObjCommand(interp, "samples::unqueried", unqueried, nullptr, nullptr);
     Tcl_CreateObjCommand(interp, "samples::scope", scope, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, "samples::echo", echo, nullptr, nullptr);
     return TCL_OK;
 }

@@ -1,8 +1,12 @@
 // omu::create_slave ?-safe? ?-noimport? ?interp?
-// Makes an interpreter that has all commands, and gives its name. Fails when the name is taken, and when the
-// commands do not come up: in a safe one, which has no load.
+// Makes an interpreter that has all commands of this one's libraries, and gives its name. Fails when the name
+// is taken, and when the commands do not come up: in a safe one, which has no load.
+#include <string_view>
+#include <system_error>
+
 #include "platform/env/HUTFile.h"
 #include "platform/msg/ComMsgMgr.h"
+#include "platform/tcl/tclcmdobj.h"
 #include "tcltasks/core/task.h"
 
 using namespace vek::tcltasks;
@@ -25,8 +29,12 @@ std::string result_of(Tcl_Interp* interp) {
 Tcl_Interp* create(Tcl_Interp* master, const std::string& name, bool safe) {
     Tcl_Interp* slave = Tcl_CreateSlave(master, HTCTclEncoding::toTcl(name).c_str(), safe);
     if (!slave) {
-        HUTFile::write_atomically("slave_creation_error.log",
-                                  "Failed to create slave interpreter: " + result_of(master));
+        try {
+            HUTFile::write_atomically("slave_creation_error.log",
+                                      "Failed to create slave interpreter: " + result_of(master));
+        } catch (const std::system_error&) {
+            // A directory that takes no file does not change what failed.
+        }
         throw HEXError({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-232@%s.\n", name});
     }
     return slave;
@@ -35,6 +43,29 @@ Tcl_Interp* create(Tcl_Interp* master, const std::string& name, bool safe) {
 void require(Tcl_Interp* slave, int code, const std::string& name) {
     if (code != TCL_OK) {
         throw HEXError({"common", ComMsgMgr::MSGTYPE_ERROR, "@17-233@%s%s\n", name, result_of(slave)});
+    }
+}
+
+// Whether a file is one of the tool's libraries, apart from this one.
+bool is_further_library(std::string_view file) {
+    const std::string_view tail = file.substr(file.rfind('/') + 1);
+    return tail.starts_with("libzq_") && !tail.starts_with("libzq_commontasks.");
+}
+
+// The commands of the product stand in libraries of their own, which the master has loaded before.
+void load_further_libraries(Tcl_Interp* master, Tcl_Interp* slave, const std::string& name) {
+    tclcmdobj(master, "::info").append("loaded").append("").eval_throw(TCL_EVAL_GLOBAL);
+    const tclobj_ref loaded(Tcl_GetObjResult(master));
+    int count = 0;
+    Tcl_Obj** libraries = nullptr;
+    Tcl_ListObjGetElements(nullptr, loaded.get(), &count, &libraries);
+    while (count-- > 0) { // the newest stands first
+        Tcl_Obj *file = nullptr, *package = nullptr;
+        Tcl_ListObjIndex(nullptr, libraries[count], 0, &file);
+        Tcl_ListObjIndex(nullptr, libraries[count], 1, &package);
+        if (file && package && is_further_library(Tcl_GetString(file))) {
+            require(slave, tclcmdobj(slave, "load").append(file).append(package).eval(TCL_EVAL_GLOBAL), name);
+        }
     }
 }
 
@@ -67,6 +98,7 @@ public:
             Tcl_SetVar2(slave, "omu::noimport", nullptr, "1", TCL_GLOBAL_ONLY);
         }
         require(slave, Tcl_EvalEx(slave, loadScript, -1, TCL_EVAL_GLOBAL), name);
+        load_further_libraries(interp, slave, name);
         if (import) {
             require(slave, Tcl_Import(slave, nullptr, "::common::*", 1), name);
         }

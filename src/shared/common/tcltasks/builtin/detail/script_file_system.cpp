@@ -234,8 +234,8 @@ const Tcl_Filesystem& s_tcl_fs() {
 
 } // namespace
 
-int register_file_system(Tcl_Interp*) {
-    return Tcl_FSRegister(nullptr, &s_tcl_fs());
+int register_file_system(Tcl_Interp* interp) {
+    return Tcl_FSRegister(interp, &s_tcl_fs());
 }
 
 int unregister_file_system() {
