@@ -11,8 +11,6 @@
 
 namespace HTCBuiltin::detail {
 
-using vek::tcltasks::tclobj_ref;
-
 namespace {
 
 unsigned s_encrypted_src_level = 0; // encrypted files that are being sourced
@@ -32,23 +30,6 @@ bool is_encrypted(Tcl_Obj* path) {
 bool is_tcls_refusal(Tcl_Obj* result, Tcl_Obj* path) {
     const std::string start = std::string("couldn't read file \"") + Tcl_GetString(path) + "\": ";
     return std::string_view(Tcl_GetString(result)).starts_with(start);
-}
-
-// Tcl also keeps the last error after it was caught.
-void forget_last_error(Tcl_Interp* interp, Tcl_Obj* errorInfo) {
-    Tcl_Obj* const current = Tcl_GetVar2Ex(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
-    if (current == errorInfo) {
-        return;
-    }
-    const tclobj_ref result(Tcl_GetObjResult(interp));
-    hide_trace(interp, Tcl_NewObj());
-    Tcl_ResetResult(interp);
-    Tcl_SetObjResult(interp, result.get());
-    if (errorInfo) {
-        Tcl_SetVar2Ex(interp, "errorInfo", nullptr, errorInfo, TCL_GLOBAL_ONLY);
-    } else {
-        Tcl_UnsetVar2(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
-    }
 }
 
 } // namespace
@@ -72,7 +53,7 @@ encrypted_source::encrypted_source(Tcl_Interp* interp, Tcl_Obj* path)
         }
     }
     ++s_encrypted_src_level;
-    m_errorInfo = Tcl_GetVar2Ex(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
+    m_errorInfo = last_error(interp);
 }
 
 encrypted_source::~encrypted_source() {
@@ -86,7 +67,7 @@ void encrypted_source::hide_commands(int code) {
     }
     const std::string reason = take_open_failure();
     if (code != TCL_ERROR) {
-        forget_last_error(m_interp, m_errorInfo.get());
+        forget_last_error(m_interp, code, m_errorInfo.get());
         return;
     }
     if (!reason.empty() && is_tcls_refusal(Tcl_GetObjResult(m_interp), m_path.get())) {

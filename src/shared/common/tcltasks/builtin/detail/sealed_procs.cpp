@@ -25,18 +25,28 @@ Tcl_ObjCmdProc* plainFrame = nullptr;
 
 int after_sealed(ClientData data[], Tcl_Interp* interp, int code) {
     Tcl_Obj* const name = static_cast<Tcl_Obj*>(data[0]);
+    Tcl_Obj* const errorInfo = static_cast<Tcl_Obj*>(data[1]);
     if (code == TCL_ERROR) {
         hide_trace(interp, Tcl_ObjPrintf("(procedure \"%s\" line %d)", Tcl_GetString(name),
                                          Tcl_GetErrorLine(interp)));
+    } else {
+        forget_last_error(interp, code, errorInfo);
     }
     Tcl_DecrRefCount(name);
+    if (errorInfo) {
+        Tcl_DecrRefCount(errorInfo);
+    }
     return code;
 }
 
 // Stands in for Tcl's procedure that calls a procedure; its address is also the mark of a sealed one.
 int call_sealed(ClientData proc, Tcl_Interp* interp, int objc, Tcl_Obj* const* objv) {
+    Tcl_Obj* const errorInfo = last_error(interp);
     Tcl_IncrRefCount(objv[0]);
-    Tcl_NRAddCallback(interp, after_sealed, objv[0], nullptr, nullptr, nullptr);
+    if (errorInfo) {
+        Tcl_IncrRefCount(errorInfo);
+    }
+    Tcl_NRAddCallback(interp, after_sealed, objv[0], errorInfo, nullptr, nullptr);
     return TclNRInterpProc(proc, interp, objc, objv);
 }
 
@@ -159,6 +169,27 @@ void hide_trace(Tcl_Interp* interp, Tcl_Obj* place) {
     reinterpret_cast<Interp*>(interp)->flags &= ~ERR_ALREADY_LOGGED; // the commands outside do belong to it
     Tcl_SetObjResult(interp, result.get());
     Tcl_SetVar2Ex(interp, "errorInfo", nullptr, trace.get(), TCL_GLOBAL_ONLY);
+}
+
+Tcl_Obj* last_error(Tcl_Interp* interp) {
+    return Tcl_GetVar2Ex(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
+}
+
+void forget_last_error(Tcl_Interp* interp, int code, Tcl_Obj* errorInfo) {
+    if (last_error(interp) == errorInfo || Tcl_InterpDeleted(interp)) {
+        return;
+    }
+    const tclobj_ref result(Tcl_GetObjResult(interp));
+    const tclobj_ref options(Tcl_GetReturnOptions(interp, code));
+    hide_trace(interp, Tcl_NewObj());
+    Tcl_ResetResult(interp);
+    Tcl_SetReturnOptions(interp, options.get());
+    Tcl_SetObjResult(interp, result.get());
+    if (errorInfo) {
+        Tcl_SetVar2Ex(interp, "errorInfo", nullptr, errorInfo, TCL_GLOBAL_ONLY);
+    } else {
+        Tcl_UnsetVar2(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
+    }
 }
 
 } // namespace HTCBuiltin::detail
