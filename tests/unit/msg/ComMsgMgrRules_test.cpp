@@ -386,6 +386,19 @@ TEST_F(ComMsgMgrRules, aFileThatTakesNothingLosesNoMessage) {
     EXPECT_EQ(logged(), "INFO: [Trial 90-1] Plain.\n");
 }
 
+TEST_F(ComMsgMgrRules, aFileThatWasRemovedLosesNoMessageAndCanBeMadeAnew) {
+    TempDir dir;
+    const std::string file = dir.path("a.txt");
+    for (const char* text : {"one", "two"}) {
+        ASSERT_TRUE(Rules::createRedirect("Mine-1", file));
+        M::sendMsgById("Mine", 1, M::MSGTYPE_INFO, text);
+        EXPECT_EQ(read_file(file), std::string("INFO: [Mine-1] ") + text + '\n');
+        std::filesystem::remove(file);
+    }
+    M::sendMsgById("Mine", 1, M::MSGTYPE_INFO, "three");
+    EXPECT_EQ(logged(), "INFO: [Mine-1] three\n");
+}
+
 TEST_F(ComMsgMgrRules, filesThatCannotBeRedirectedTo) {
     TempDir dir;
     for (const std::string& file :

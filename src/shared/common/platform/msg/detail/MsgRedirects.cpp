@@ -17,12 +17,15 @@ public:
     explicit File(std::string path) : m_path(std::move(path)), m_file(::open(m_path.c_str(), flags, 0666)) {}
 
     const std::string& path() const { return m_path; }
+    /// Also false for a file that was removed: nobody could read what is written to it.
     bool isOpen() const {
         struct stat status {};
-        return m_file && ::fstat(m_file.get(), &status) == 0 &&
+        return m_file && ::fstat(m_file.get(), &status) == 0 && status.st_nlink > 0 &&
                (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode));
     }
-    bool write(std::string_view lines) { return env_detail::write_all(m_file.get(), lines) == lines.size(); }
+    bool write(std::string_view lines) {
+        return isOpen() && env_detail::write_all(m_file.get(), lines) == lines.size();
+    }
 
 private:
     // Without O_NONBLOCK, opening a pipe that nobody reads would wait.
@@ -45,17 +48,17 @@ bool MsgRedirects::add(std::string_view given, const std::string& file) {
         path == HUTFile::getCanonicalName(HUTLogFileMgr::getJournalFullName()))
         return false;
     std::lock_guard lock(m_mutex);
-    if (const auto found = m_files.find(id); found != m_files.end())
-        return found->second->path() == path;
+    if (const auto found = m_files.find(id); found != m_files.end() && found->second->path() != path)
+        return false;
     std::shared_ptr<File> target;
     for (const auto& [other, open] : m_files)
-        if (open->path() == path)
+        if (open->path() == path && open->isOpen())
             target = open;
     if (!target)
         target = std::make_shared<File>(path);
     if (!target->isOpen())
         return false;
-    m_files.emplace(id, std::move(target));
+    m_files.insert_or_assign(std::string(id), std::move(target));
     m_any = true;
     return true;
 }
