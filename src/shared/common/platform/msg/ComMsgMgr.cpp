@@ -15,6 +15,7 @@
 #include "platform/env/HSTStringUtils.h"
 #include "platform/msg/ComMsgMgrFile.h"
 #include "platform/msg/ComMsgMgrProjIface.h"
+#include "platform/msg/HEX.h"
 #include "platform/msg/detail/MsgDb.h"
 #include "platform/msg/detail/MsgDelivery.h"
 #include "platform/msg/detail/MsgIds.h"
@@ -237,25 +238,19 @@ std::string help_text(std::string_view id, const Help& help, ComMsgMgr::MsgMask 
 void ComMsgMgr::init(MsgCache cache, const std::string& file) {
     com_msg_mgr::session_source().setLimit(cache == MSGCACHE_ON ? much_memory : little_memory);
     State::get().caching = cache == MSGCACHE_ON ? Caching::whole : Caching::lines;
-    std::string failure, incomplete;
+    if (file.empty())
+        return;
     try {
-        incomplete = com_msg_mgr::set_record(file);
-    } catch (const std::system_error& error) {
-        failure = error.code().message();
-        incomplete = com_msg_mgr::set_record("");
+        createMsgDb(file);
+    } catch (const HEXError& error) {
+        throw error.message();
     }
-    if (!incomplete.empty())
-        sendMsg("common", MSGTYPE_WARNING, "@17-5154@%s\n", incomplete);
-    if (!failure.empty())
-        throw ComMsgMgrInstance("common", MSGTYPE_ERROR, "@17-5152@%s%s\n", file, failure);
 }
 
 void ComMsgMgr::uninit() {
     State& state = State::get();
     ComMsgMgrProjIface::closeProject();
     com_msg_mgr::release_all_threads();
-    if (const std::string incomplete = com_msg_mgr::set_record(""); !incomplete.empty())
-        sendMsg("common", MSGTYPE_WARNING, "@17-5154@%s\n", incomplete);
     com_msg_mgr::set_sink(static_cast<std::size_t>(Destination::console), nullptr);
     com_msg_mgr::set_all_to_console(false);
     com_msg_mgr::RuleStore::get().removeAll();

@@ -305,11 +305,11 @@ private:
     }
 
     void start_messages() const {
-        const std::string record = get_option<std::string>("messageDb");
+        const std::string database = get_option<std::string>("messageDb");
         try {
             if (m_mode == RunMode::batch) {
-                ComMsgMgr::init(ComMsgMgr::MSGCACHE_LATEST, record);
-                if (!record.empty()) {
+                ComMsgMgr::init(ComMsgMgr::MSGCACHE_LATEST, database);
+                if (!database.empty()) {
                     HTCTclChannel::setAllMsg2Stdout();
                 }
             } else {

@@ -2,11 +2,8 @@
 
 #include <array>
 #include <atomic>
-#include <cerrno>
-#include <cstdio>
 #include <map>
 #include <mutex>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -49,61 +46,11 @@ std::string as_comment(std::string_view text) {
     return out;
 }
 
-/// The file that shown messages are recorded in, one a line: mask in hexadecimal, id, text, separated by
-/// tabs, with \t, \n, \r, \\ for these characters.
-class Record {
-public:
-    explicit Record(const std::string& path) : m_path(path), m_file(std::fopen(path.c_str(), "wbe")) {
-        if (!m_file)
-            throw std::system_error(errno, std::generic_category());
-    }
-    ~Record() {
-        if (m_file)
-            std::fclose(m_file);
-    }
-    Record(const Record&) = delete;
-    Record& operator=(const Record&) = delete;
-
-    const std::string& path() const { return m_path; }
-
-    /// Ends the file. False if something could not be written to it.
-    bool close() {
-        const bool sound = !std::ferror(m_file);
-        return (std::fclose(std::exchange(m_file, nullptr)) == 0) && sound;
-    }
-
-    void add(ComMsgMgrMask mask, std::string_view id, std::string_view text) {
-        char head[16];
-        std::snprintf(head, sizeof head, "%08x\t", mask);
-        std::string line = head;
-        escape(line, id);
-        line += '\t';
-        escape(line, text.substr(0, text.size() - text.ends_with('\n')));
-        line += '\n';
-        std::fwrite(line.data(), 1, line.size(), m_file);
-    }
-
-private:
-    static void escape(std::string& out, std::string_view text) {
-        for (const char c : text) {
-            const std::size_t special = std::string_view("\t\n\r\\").find(c);
-            if (special == std::string_view::npos)
-                out += c;
-            else
-                (out += '\\') += "tnr\\"[special];
-        }
-    }
-
-    std::string m_path;
-    std::FILE* m_file;
-};
-
 struct Delivery {
     std::atomic<bool> allToConsole{false};
 
-    std::mutex output; // held while log, journal and record are written, so that all get one order
+    std::mutex output; // held while log and journal are written, so that all get one order
     std::array<std::shared_ptr<ComMsgMgrSink>, 3> sinks; // guarded by output; null: the usual one
-    std::unique_ptr<Record> record;                      // guarded by output
 
     static Delivery& get() {
         static Delivery& delivery = *new Delivery; // messages are sent up to the very end of the process
@@ -168,8 +115,6 @@ void deliver_now(ComMsgMgrMask mask, std::string_view id, std::string_view text)
             const std::string_view replay = route.journalAsComment ? comment : text;
             delivery.sinks[2] ? delivery.sinks[2]->write(replay) : HUTLogFileMgr::writeJournal(replay);
         }
-        if (delivery.record)
-            delivery.record->add(mask, id, text);
         if (toConsole)
             console = delivery.sinks[0];
     }
@@ -221,16 +166,6 @@ std::shared_ptr<ComMsgMgrSink> set_sink(std::size_t where, std::shared_ptr<ComMs
 
 void set_all_to_console(bool all) {
     Delivery::get().allToConsole = all;
-}
-
-std::string set_record(const std::string& path) {
-    std::unique_ptr<Record> record = path.empty() ? nullptr : std::make_unique<Record>(path);
-    Delivery& delivery = Delivery::get();
-    {
-        std::lock_guard lock(delivery.output);
-        std::swap(delivery.record, record);
-    }
-    return record && !record->close() ? record->path() : std::string();
 }
 
 int thread_number() {

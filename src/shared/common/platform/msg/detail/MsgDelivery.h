@@ -7,7 +7,7 @@
 #include "platform/msg/ComMsgMgrInstance.h"
 #include "platform/msg/ComMsgMgrSink.h"
 
-/// The last stretch of a message's way: whole lines to console, log, journal and record. All functions may be
+/// The last stretch of a message's way: whole lines to console, log and journal. All functions may be
 /// called on any thread.
 namespace com_msg_mgr {
 
@@ -22,11 +22,6 @@ void write_console(std::string_view text);
 /// what stood there.
 std::shared_ptr<ComMsgMgrSink> set_sink(std::size_t where, std::shared_ptr<ComMsgMgrSink> sink);
 void set_all_to_console(bool all);
-
-/// Records all that is delivered from now on in a file, written anew; empty for none. Throws
-/// std::system_error, and the record before goes on. Returns the path of a record before that could not be
-/// written completely, else an empty text.
-std::string set_record(const std::string& path);
 
 /// The number of the calling thread: 1 for the first that asks.
 int thread_number();
