@@ -7,6 +7,7 @@
 #include "platform/taskcore/HTCTclTaskOptions.h"
 #include "platform/taskcore/help_page.h"
 #include "platform/taskcore/task_options_base.h"
+#include "platform/taskcore/value_kind.h"
 
 namespace vek::tcltasks {
 
@@ -50,7 +51,7 @@ bool is_positional(const task_options_base& task, const std::string& name) {
 
 // What an option takes, in one word: "integer" of "an integer of zero or more".
 std::string kind_word(const options_description::option& option) {
-    std::string_view kind = option.semantic->value_kind();
+    std::string_view kind = value_kind(option);
     kind.remove_prefix(kind.starts_with("a ") || kind.starts_with("an ") || kind.starts_with("any ")
                            ? kind.find(' ') + 1
                            : 0);
@@ -132,7 +133,7 @@ std::string sentence(std::string text) {
 
 // What a word of a call that stands without a switch has to be, where that is not any text.
 std::string type_note(const options_description::option& option) {
-    const std::string_view kind = option.semantic->value_kind();
+    const std::string_view kind = value_kind(option);
     return option.choices.empty() && kind != "any text" ? " Takes " + std::string(kind) + "." : std::string();
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/env/HSTStringUtils.h"
 #include "platform/msg/ComMsgMgr.h"
+#include "platform/taskcore/value_kind.h"
 #include "platform/tcl/HTCTclEncoding.h"
 
 namespace vek::tcltasks {
@@ -56,16 +57,16 @@ HEXError ambiguous_option(const std::string& command, const std::string& word,
 
 HEXError missing_value(const std::string& command, const options_description::option& option) {
     return HEXError({"common", error, "@17-5003@%s%s%s\n", option.name, command,
-                     option.choices.empty() ? option.semantic->value_kind() : join(option.choices)});
+                     option.choices.empty() ? value_kind(option) : join(option.choices)});
 }
 
 HEXError invalid_value(const std::string& command, const std::string& switchName, const std::string& value,
                        const options_description* options) {
-    std::string expected = "a value of another kind";
+    std::string expected = value.empty() ? "one that is not empty" : "a value of another kind";
     const int index = options ? options->find(switchName) : -1;
     if (index >= 0) {
         const auto& option = options->options()[static_cast<size_t>(index)];
-        expected = option.choices.empty() ? option.semantic->value_kind()
+        expected = option.choices.empty() ? value_kind(option)
                                           : join(option.choices) + "; " + suggestion(value, option.choices);
         while (expected.ends_with(' ') || expected.ends_with(';')) {
             expected.pop_back();
