@@ -108,7 +108,7 @@ std::vector<std::string> make_roots(const std::string& approot) {
     };
     for (const std::string& directory : HSTStringUtils::split(approot, ':'))
         add(directory);
-    const std::string own = own_root();
+    const std::string& own = own_root();
     add(own);
     add(HUTPathUtils::join({own, "share/tcl8.6"}));
     return roots;

@@ -57,11 +57,11 @@ size_t read_all(int fd, char* buffer, size_t size, const std::string& path) {
 } // namespace
 
 std::string key_file() {
-    if (const std::string given = HPAParamMgr::getParamMgr().getValueAsString("source.keyFile");
+    if (std::string given = HPAParamMgr::getParamMgr().getValueAsString("source.keyFile");
         !given.empty()) {
         return given;
     }
-    if (const std::string given = HUTEnv::getEnv("CORVANE_SCRIPT_KEY", ""); !given.empty()) {
+    if (std::string given = HUTEnv::getEnv("CORVANE_SCRIPT_KEY", ""); !given.empty()) {
         return given;
     }
     const std::string data = HUTEnv::getOMUDataDir("script.key");

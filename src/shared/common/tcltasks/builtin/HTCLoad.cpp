@@ -59,6 +59,7 @@ int createLoadCommandAndEvaluate(Tcl_Interp* interp, const HTCLoadArgs& args) {
         words.emplace_back(HTCTclEncoding::tclNewStringObj(args.interp));
     }
     std::vector<Tcl_Obj*> objv;
+    objv.reserve(words.size());
     for (const tclobj_ref& word : words) {
         objv.push_back(word.get());
     }

@@ -123,6 +123,7 @@ void write_rule_file(const std::string& path,
     std::string text(head);
     text.append(version_word).append(1, ' ').append(version).append(1, '\n');
     std::vector<std::shared_ptr<const ComMsgMgrMsgControlRule>> inOrder;
+    inOrder.reserve(rules.size());
     for (const auto& [ruleId, rule] : rules)
         inOrder.push_back(rule);
     std::sort(inOrder.begin(), inOrder.end(),

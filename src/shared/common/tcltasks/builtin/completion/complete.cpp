@@ -145,7 +145,7 @@ public:
         if (search(re_open_opt(), m_text, found)) {
             const bool first = found[1].data() != nullptr;
             const piece option = piece_of(m_text, found[first ? 3 : 6]);
-            const completion result = option_stage(piece_of(m_text, found[first ? 2 : 5]), option);
+            completion result = option_stage(piece_of(m_text, found[first ? 2 : 5]), option);
             // A dash inside a word may be an option's, but also that of a file as "my-file".
             if (result.then != outcome::error || option.at == m_typed.current.begin) {
                 return result;

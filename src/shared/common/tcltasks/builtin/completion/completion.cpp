@@ -15,7 +15,7 @@ namespace {
 std::string to_utf(const wchar_t* from, const wchar_t* end) {
     std::string text;
     for (; from < end; ++from) {
-        const auto c = static_cast<unsigned long>(*from);
+        const auto c = static_cast<char32_t>(*from);
         const auto tail = [&](int shift) { text += static_cast<char>(0x80 | (c >> shift & 0x3F)); };
         if (c < 0x80) {
             text += static_cast<char>(c);

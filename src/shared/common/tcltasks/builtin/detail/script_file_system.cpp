@@ -44,7 +44,7 @@ std::string native_path(Tcl_Obj* path) {
     if (!translated) {
         return {};
     }
-    const std::string native = HTCTclEncoding::tclGetString(translated.get());
+    std::string native = HTCTclEncoding::tclGetString(translated.get());
     Tcl_DecrRefCount(translated.get()); // Tcl's count of it is ours
     return native;
 }

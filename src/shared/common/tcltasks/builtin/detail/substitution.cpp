@@ -5,12 +5,10 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/tcl/tcl_guard.h"
 #include "platform/tcl/tclobj_ref.h"
 
 namespace HTCBuiltin::detail {
 
-using vek::tcltasks::tcl_guard;
 using vek::tcltasks::tclobj_ref;
 
 namespace {

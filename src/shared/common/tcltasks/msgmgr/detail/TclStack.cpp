@@ -58,9 +58,9 @@ void print_with_files(Tcl_Interp* interp) {
     }
     for (int i = calls; i >= 1; --i) {
         const std::string level = std::to_string(i), frame = std::to_string(i - calls - 2);
-        const std::string script = R"(puts "\tCalled by : [info level )" + level +
-                                   R"(]  In: [dict get [info frame )" + frame +
-                                   R"(] file]:[dict get [info frame )" + frame + R"(] line]  " )";
+        std::string script = R"(puts "\tCalled by : [info level )";
+        script.append(level).append(R"(]  In: [dict get [info frame )").append(frame);
+        script.append(R"(] file]:[dict get [info frame )").append(frame).append(R"(] line]  " )");
         if (eval(interp, script) != TCL_OK) {
             tell_incomplete();
         }
