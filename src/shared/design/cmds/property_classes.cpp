@@ -1,5 +1,6 @@
 #include "design/cmds/property_classes.h"
 
+#include "design/Database.h"
 #include "design/Property.h"
 #include "design/cmds/objects.h"
 #include "platform/property/HCPProperty.h"
@@ -249,11 +250,21 @@ void add_property(ObjectInfo& info, const PropertySpec& property) {
         spec->setSetterFcn(make_setter);
 }
 
-/// Takes over a property that a user made, or lets go of it.
+void forget_values(ObjectClass cls, const std::string& name) {
+    for (Design* design : Database::instance().designs()) {
+        const NameId id = design->netlist().names.find(name);
+        if (id != none && design->values(cls, id))
+            design->values_for_change(cls, id).clear();
+    }
+}
+
+/// Takes over a property that a user made, or lets go of it and of the values that objects have of it.
 template <class T>
 bool take_user_property(const std::shared_ptr<Spec>& made, bool added) {
-    if (!added)
+    if (!added) {
+        forget_values(T::object_class, made->getName());
         return property_registry().remove(T::object_class, made->getName());
+    }
     const HATAttrSpec& attr = *made->getAttrSpec();
     PropertySpec property;
     property.name = made->getName();
