@@ -57,8 +57,7 @@ size_t read_all(int fd, char* buffer, size_t size, const std::string& path) {
 } // namespace
 
 std::string key_file() {
-    if (std::string given = HPAParamMgr::getParamMgr().getValueAsString("source.keyFile");
-        !given.empty()) {
+    if (std::string given = HPAParamMgr::getParamMgr().getValueAsString("source.keyFile"); !given.empty()) {
         return given;
     }
     if (std::string given = HUTEnv::getEnv("CORVANE_SCRIPT_KEY", ""); !given.empty()) {

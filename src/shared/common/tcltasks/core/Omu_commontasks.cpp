@@ -12,7 +12,6 @@
 #include "tcltasks/builtin/HTCLocaleInit.h"
 #include "tcltasks/builtin/completion/HTCInfoCommands.h"
 #include "tcltasks/builtin/completion/HTCMatchOptions.h"
-#include "tcltasks/builtin/HTCLocaleInit.h"
 #include "tcltasks/builtin/editline/HTCLibEdit.h"
 #include "tcltasks/builtin/history/history_cmds.h"
 #include "tcltasks/builtin/list_cmds/list_cmds.h"
