@@ -65,7 +65,7 @@ public:
 private:
     void check_output_options() const {
         if (specified_option("file") && get_option<std::string>("file").empty()) {
-            throw HTCErrors::invalid_option_value("-file", "");
+            throw HTCErrors::invalid_option_value("file", "");
         }
         if (specified_option("return_string") && specified_option("file")) {
             throw HTCErrors::command_failed("'-return_string' and '-file' cannot be used together");
