@@ -3,6 +3,7 @@
 #include "platform/msg/ComMsgMgrRuleIface.h"
 #include "tcltasks/core/task.h"
 #include "tcltasks/msgmgr/HTCMsgmgr.h"
+#include "tcltasks/msgmgr/detail/MsgArguments.h"
 
 using namespace vek::tcltasks;
 
@@ -17,16 +18,13 @@ public:
         description_instance("Exercise Java interface for adding msg suppresion rules.", "")
             .add_options()
             .add_option("id", options::value<std::string>()->default_value("", "match any id"),
-                        "A qualifier, apply the selected operation only to messages that match given message "
-                        "id. Example: '-id {Common 17-35}'.")
+                        HTCMsgmgr::qualifier_help::id)
             .add_option(
                 "string",
                 options::value<std::vector<std::string>, tcltypes::tcllist>()->default_value({}, "none"),
-                "A qualifier, apply the selected operation only to messages that contain the given list of "
-                "strings.")
+                HTCMsgmgr::qualifier_help::strings)
             .add_option("severity", options::value<std::string>()->default_value("", "match any severity"),
-                        "A qualifier, apply the selected operation only to messages at the given severity "
-                        "level. Example: '-severity INFO'")
+                        HTCMsgmgr::qualifier_help::severity)
             .hint("severity")
             .add_option("from_msg", options::flag(),
                         "Set source as GUI_CREATED_FROM_MSG, defaults to GUI_CREATED_FROM_RULE");

@@ -96,8 +96,7 @@ public:
                 "source of the rule, defaults to tclsh. Use 4 for CREATED_FROM_INTERNAL_CLIENT, 8 for "
                 "GUI_CREATED_FROM_MSG, 16 for GUI_CREATED_FROM_RULE.")
             .add_option("id", options::value<std::string>()->default_value("", "match any id"),
-                        "A qualifier, apply the selected operation only to messages that match given message "
-                        "id. Example: '-id {Common 17-35}'.")
+                        HTCMsgmgr::qualifier_help::id)
             .add_option(
                 "ruleid",
                 options::value<std::string>()->default_value(
@@ -122,11 +121,9 @@ public:
             .add_option(
                 "string",
                 options::value<std::vector<std::string>, tcltypes::tcllist>()->default_value({}, "none"),
-                "A qualifier, apply the selected operation only to messages that contain the given list of "
-                "strings.")
+                HTCMsgmgr::qualifier_help::strings)
             .add_option("severity", options::value<std::string>()->default_value("", "match any severity"),
-                        "A qualifier, apply the selected operation only to messages at the given severity "
-                        "level. Example: '-severity INFO'")
+                        HTCMsgmgr::qualifier_help::severity)
             .hint("severity")
             .add_option(
                 "limit", options::value<unsigned>()->default_value(0, "unknown"),

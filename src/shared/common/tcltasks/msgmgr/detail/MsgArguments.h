@@ -16,6 +16,17 @@ bool validate_msgid(const std::string& id);
 /// Takes the brackets off an id that was copied from the log.
 void trim_brackets(std::string& id);
 
+/// The help of the options that say which messages a rule is for.
+namespace qualifier_help {
+constexpr const char* id =
+    "A qualifier, apply the selected operation only to messages that match given message "
+    "id. Example: '-id {Common 17-35}'.";
+constexpr const char* strings =
+    "A qualifier, apply the selected operation only to messages that contain the given list of strings.";
+constexpr const char* severity = "A qualifier, apply the selected operation only to messages at the given "
+                                 "severity level. Example: '-severity INFO'";
+} // namespace qualifier_help
+
 /// Sends a line of output.
 void print_line(const std::string& text);
 
