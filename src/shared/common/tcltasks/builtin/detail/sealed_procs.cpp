@@ -172,11 +172,21 @@ void hide_trace(Tcl_Interp* interp, Tcl_Obj* place) {
 }
 
 Tcl_Obj* last_error(Tcl_Interp* interp) {
-    return Tcl_GetVar2Ex(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
+    // Asked at each call of a sealed procedure, where Tcl_GetVar2Ex would make a variable to find that it has
+    // no value. A trace that Tcl has not moved there yet is what reading the variable gives.
+    Interp* const own = reinterpret_cast<Interp*>(interp);
+    if (own->errorInfo) {
+        return own->errorInfo;
+    }
+    const Var* const variable = TclVarHashFindVar(&own->globalNsPtr->varTable, "errorInfo");
+    if (variable && !TclIsVarScalar(variable)) {
+        return Tcl_GetVar2Ex(interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY);
+    }
+    return variable ? variable->value.objPtr : nullptr;
 }
 
 void forget_last_error(Tcl_Interp* interp, int code, Tcl_Obj* errorInfo) {
-    if (last_error(interp) == errorInfo || Tcl_InterpDeleted(interp)) {
+    if (Tcl_InterpDeleted(interp) || last_error(interp) == errorInfo) {
         return;
     }
     const tclobj_ref result(Tcl_GetObjResult(interp));
