@@ -46,6 +46,14 @@ struct uncategorized : sample<uncategorized> {
     static void load_description() { description_instance("Be in no category", ""); }
 };
 
+struct synthesis : sample<synthesis> {
+    static constexpr const char* command = "omu::synth_design";
+    static void load_description() {
+        in_categories("SampleHidden");
+        description_instance("Be internal by its name alone", "");
+    }
+};
+
 struct hidden : sample<hidden> {
     static constexpr const char* command = "sample_hidden";
     static void load_description() {
@@ -172,11 +180,11 @@ Tcl_Obj* page(Tcl_Interp*, int, Tcl_Obj* const* words) {
 // Registers all samples, or with a word that one.
 Tcl_Obj* add_samples(Tcl_Interp* interp, int count, Tcl_Obj* const* words) {
     const std::map<std::string, void (*)(Tcl_Interp*)> all = {
-        {"plain", register_task<plain>},         {"uncategorized", register_task<uncategorized>},
-        {"hidden", register_task<hidden>},       {"deprecated", register_task<deprecated>},
-        {"elsewhere", register_task<elsewhere>}, {"tabbed", register_task<tabbed>},
-        {"placeholder", add<placeholder>},       {"broken", add<broken_with_words>},
-        {"shattered", add<broken_without_words>}};
+        {"plain", register_task<plain>},          {"uncategorized", register_task<uncategorized>},
+        {"hidden", register_task<hidden>},        {"deprecated", register_task<deprecated>},
+        {"elsewhere", register_task<elsewhere>},  {"tabbed", register_task<tabbed>},
+        {"placeholder", add<placeholder>},        {"broken", add<broken_with_words>},
+        {"shattered", add<broken_without_words>}, {"synthesis", register_task<synthesis>}};
     for (int i = 0; i < count; ++i) {
         all.at(text(words[i]))(interp);
     }
