@@ -533,6 +533,8 @@ TEST(RuleText, literalsThatEveryMatchHas) {
              {"abc\\d+efgh", "efgh"},
              {"\\Qab*c\\E", ""},
              {"(\\Q)abc\\E)?de", ""},
+             {"{[a{0}b ]cd", "cd"},
+             {"a{b}cd", "b}cd"},
              {"abc\\x41", "abc"},
              {"\\pLabc", ""},
              {"gr\xc3\xb6\xc3\x9f?er", "gr"},
@@ -547,7 +549,7 @@ TEST(RuleText, noMatchIsWithoutItsLiteral) {
     for (int i = 0; i < 20000; ++i) {
         std::string pattern, text;
         for (unsigned n = random() % 9 + 1; n > 0; --n)
-            pattern += pick("aaabbbcc.*+?|()[]^{}\\1,-$d");
+            pattern += pick("aaabbbccQE.*+?|()[]^{}\\1,-$d");
         RE2::Options options;
         options.set_log_errors(false);
         const RE2 expression(pattern, options);

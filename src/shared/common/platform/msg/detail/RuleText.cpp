@@ -71,7 +71,7 @@ private:
                 m_run.pop_back();
             endRun();
             if (c == '{')
-                m_pos = std::min(m_text.find('}', m_pos), m_text.size() - 1) + 1;
+                skipNumbers();
             break;
         case '+':
         case '.':
@@ -99,6 +99,13 @@ private:
         // \pN, \x41: what follows is not read as plain text.
         if (c == 'p' || c == 'P' || c == 'x' || (c >= '0' && c <= '9'))
             m_pos = m_text.size();
+    }
+
+    /// Goes behind the numbers of a repetition; another brace is plain text.
+    void skipNumbers() {
+        const std::size_t end = m_text.find_first_not_of("0123456789,", m_pos);
+        if (end != std::string_view::npos && m_text[end] == '}')
+            m_pos = end + 1;
     }
 
     void skipClass() {
