@@ -4,6 +4,8 @@
 #include "design/Property.h"
 #include "design/cmds/objects.h"
 #include "platform/property/HCPProperty.h"
+#include "platform/tcl/HTCTclEncoding.h"
+#include "platform/tcl/tclobj_ref.h"
 
 #include <limits>
 
@@ -124,7 +126,8 @@ class Setter : public HCPProperty::Setter {
 public:
     int set(Tcl_Interp*, const HCPProperty::Objects& objects, const std::string& name,
             HATAttr& value) override {
-        changes_.assign(1, set_property(refs(objects), name, HATAttrUtils::getStringValue(value)));
+        const std::string text = checked_text(objects, name, value.getValue());
+        changes_.assign(1, set_property(refs(objects), name, text));
         return 0;
     }
 
@@ -134,7 +137,7 @@ public:
         changes_.clear();
         try {
             for (const auto& [name, value] : pairs)
-                changes_.push_back(set_property(all, name, value));
+                changes_.push_back(set_property(all, name, checked_text(objects, name, value)));
         } catch (...) {
             undo(nullptr);
             changes_.clear();
@@ -168,6 +171,18 @@ private:
         for (const auto& [name, value] : pairs)
             if (!info->findSpec(name) && !info->defaultSpec()->isValid((*objects)[0], name, canonical))
                 HCPProperty::Utils::noSuchProperty(name, info->getName());
+    }
+
+    // The database knows fewer types than users can give their properties, and stores the others as the text
+    // that they have in Tcl.
+    static std::string checked_text(const HCPProperty::Objects& objects, const std::string& name,
+                                    const HATAttrAny& value) {
+        const Spec* spec = HCPProperty::getObjectInfoOrError((*objects)[0])->findSpec(name);
+        if (!spec || !spec->getAttrSpec()->isUserDefined())
+            return HATAttrUtils::getStringValue(value);
+        const vek::tcltasks::tclobj_ref converted(
+            HATAttrUtils::getTclValue(HATAttrUtils::convert(*spec->getAttrSpec(), value)));
+        return HTCTclEncoding::tclGetString(converted.get());
     }
 
     static std::vector<ObjectRef> refs(const HCPProperty::Objects& objects) {
