@@ -171,6 +171,7 @@ type "!nosuch"
 type "lapp list three"
 type "set_param general.maxThreads 4"
 type "set_param general.maxThreads much"
+type "touch made.by.program; set touched \[file exists made.by.program\]"
 type "nosuchcommand"
 type "set half \{a; error away; set never 1"  {[->] $}
 send "\003"
@@ -190,9 +191,11 @@ rm -f first.* second.* third.*
 STATE=first.state run timeout 100 expect prompt.exp "$corvane" "$blinker"
 check "the session at a prompt ends with its own status" status_is 3
 check "what was typed at the prompt took effect" grep -qx 'variable ::x 4' first.state
+rm -f made.by.program
 STATE=second.state input=first.jou run "$corvane" -mode tcl -log second.log -journal second.jou
 check "a journal with failed commands can be typed in to its end" status_is 0
 check "a journal with failed commands makes the state of the session" same_state
+check "a program that was run at the prompt is run again" test -e made.by.program
 
 # A script that is run by the command line, with what it sources, is one command of the journal.
 grep -v '^source state.tcl' session.tcl >work.tcl

@@ -57,18 +57,21 @@ bool stands_for_event(Tcl_Interp* interp, std::string_view command) {
            is_interactive(interp);
 }
 
-// The command with its name in full, where Tcl takes the beginning of a name for it. It does so at the prompt
-// only, and only for what it can neither load nor find among the system's programs.
-std::string with_full_name(Tcl_Interp* interp, const std::string& command) {
+// The command in the words that any session understands. At the prompt only, Tcl runs a program of the system
+// by its bare name, and takes the beginning of a name for it where it can neither load nor run what is named.
+std::string in_full(Tcl_Interp* interp, const std::string& command) {
     std::string_view behind = command;
     const std::string name(next_word(behind));
-    const auto in_name = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == ':'; };
+    const auto in_name = [](unsigned char c) {
+        return std::isalnum(c) || std::string_view("_:./+-").find(c) != std::string_view::npos;
+    };
     if (name.empty() || !std::all_of(name.begin(), name.end(), in_name) || is_command(interp, name) ||
         !is_interactive(interp)) {
         return command;
     }
     const std::string question =
-        "::apply {{name} {if {[auto_load $name] || [auto_execok $name] ne {}} return\n"
+        "::apply {{name} {if {[auto_load $name]} return\n"
+        "if {![info exists ::auto_noexec] && [auto_execok $name] ne {}} {return \"exec >&@stdout $name\"}\n"
         "set found [info commands $name*]\n"
         "if {[llength $found] == 1} {lindex $found 0}}} " +
         name;
@@ -81,7 +84,7 @@ std::string with_full_name(Tcl_Interp* interp, const std::string& command) {
 }
 
 void send(Tcl_Interp* interp, const std::string& typed) {
-    const std::string command = with_full_name(interp, typed);
+    const std::string command = in_full(interp, typed);
     if (command.starts_with("omu::") || command_has_translation(command)) {
         return;
     }
