@@ -9,9 +9,11 @@
 #include "platform/env/HUTTextTable.h"
 #include "platform/msg/ComMsgMgrOstream.h"
 #include "platform/taskcore/option_messages.h"
+#include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/HTCTclPatternMatch.h"
 #include "platform/tcl/HTCTclUtils.h"
 #include "platform/tcl/tclcmdobj.h"
+#include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/core/task.h"
 #include "tcltasks/help/detail/HelpCategoryMgr.h"
 #include "tcltasks/help/detail/HelpResolver.h"
@@ -172,7 +174,10 @@ private:
     int printSummary(Tcl_Interp* interp, bool wrap, const std::vector<HelpInfo>& topics);
     int printFullHelp(Tcl_Interp* interp, const std::string& helpType, const std::vector<HelpInfo>& topics);
 
-    std::string pattern() const { return get_option<tclany>("pattern_or_object").get_as_string(); }
+    std::string pattern() const {
+        const tclobj_ref word(get_option<tclany>("pattern_or_object").get_as_tcl_obj());
+        return HTCTclEncoding::tclGetString(word.get());
+    }
 };
 
 void task::load_description() {
