@@ -66,6 +66,7 @@ shows "nosuchcommand\t" {nosuchcommand\a}
 gives "wkgot a\001\033\[C\033\[C\033\[C\t" ot|a
 send " tail\001wkg\t\r"
 see "a word completed before the rest of the line" {got \(tail\)\r+\n.*corvane% $}
+gives "foreach x \{a\} \{wkspace::o\t\$x\}" only|a
 send "if 1 \{\r"
 see "the prompt for the rest of a command" {corvane- $}
 send "wkg\tinside\r"

@@ -29,6 +29,17 @@ TEST_F(Completion, BlanksAloneAreAnEmptyLine) {
     EXPECT_EQ(listed("wk_x;^"), all);
 }
 
+TEST_F(Completion, AnOpenBracketAloneListsAllCommands) {
+    const std::string all = listed("^");
+    EXPECT_EQ(listed("puts [^"), all);
+    EXPECT_EQ(listed("[^"), all);
+    EXPECT_EQ(listed("puts \"[^"), all);
+    EXPECT_EQ(listed("wk_x; puts [^"), all);
+    EXPECT_EQ(listed("if 1 {[^"), all);
+    EXPECT_EQ(tab("puts \\[^"), "redisplayed beep");
+    EXPECT_EQ(tab("puts {}[^"), "redisplayed beep");
+}
+
 TEST_F(Completion, ACommandBehindAnOpenBracketIsCompleted) {
     EXPECT_EQ(finished("puts [get_prop^"), "puts [get_property ^");
 }

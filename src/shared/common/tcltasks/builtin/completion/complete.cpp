@@ -126,6 +126,16 @@ public:
     }
 
     completion run() {
+        completion result = run_stages();
+        const bool nothing = !result.replacement && result.output.empty();
+        if (auto inside = nothing ? script_stage() : std::nullopt) {
+            return *inside;
+        }
+        return result;
+    }
+
+private:
+    completion run_stages() {
         if (auto done = variable_stage()) {
             return *done;
         }
@@ -160,7 +170,6 @@ public:
         return path_stage();
     }
 
-private:
     // How a finished word looks in the line.
     struct form {
         bool path = false;
@@ -267,6 +276,30 @@ private:
         return settle(files(word.text), word.at, look);
     }
 
+    // Where nothing else fits, a script may begin: behind a bracket, or in the brace of an argument, as that
+    // of `foreach`. A command that declares its options takes no scripts.
+    std::optional<completion> script_stage() {
+        if (!m_typed.readable) {
+            return std::nullopt;
+        }
+        const auto& current = m_typed.current;
+        if (m_typed.words.empty()) {
+            const bool opened = current.begin == m_text.size() && m_text.ends_with('[');
+            return opened ? std::optional(command_stage({{}, m_text.size()})) : std::nullopt;
+        }
+        const bool braced = m_typed.open == '{' && m_text.substr(current.begin).starts_with('{');
+        if (!braced || m_typed.runs_command() || typed_task()) {
+            return std::nullopt;
+        }
+        const size_t begin = current.begin + 1;
+        completion result = completer(m_interp, m_text.substr(begin)).run();
+        if (!result.replacement && result.output.empty()) {
+            return std::nullopt;
+        }
+        result.replace += m_offset + begin;
+        return result;
+    }
+
     // A variable behind "$", or an element behind "$array(".
     std::optional<completion> variable_stage() {
         if (!m_typed.readable || m_typed.runs_command()) {
@@ -365,15 +398,18 @@ private:
         return list;
     }
 
-    // The option whose value is being typed, for a command that declares its options.
-    std::optional<completion> value_stage() {
-        if (!m_typed.readable || m_typed.words.empty() || !m_typed.current.value ||
-            !m_typed.words.front().value) {
-            return std::nullopt;
+    // The command whose words are being typed, if it declares its options.
+    std::shared_ptr<const task_options_base> typed_task() {
+        if (m_typed.words.empty() || !m_typed.words.front().value) {
+            return nullptr;
         }
         const std::string origin = HTCTclUtils::tclNamespaceOrigin(m_interp, *m_typed.words.front().value);
-        const auto task = task_manager::createTask(m_interp, origin);
-        const auto* declared = dynamic_cast<const task_options_base*>(task.get());
+        return std::dynamic_pointer_cast<const task_options_base>(task_manager::createTask(m_interp, origin));
+    }
+
+    // The option whose value is being typed.
+    std::optional<completion> value_stage() {
+        const auto declared = m_typed.readable && m_typed.current.value ? typed_task() : nullptr;
         if (!declared) {
             return std::nullopt;
         }
