@@ -49,6 +49,34 @@ TEST_F(Completion, TheOptionsOfACommandAreCompleted) {
     EXPECT_EQ(listed("get_property -^"), "-max -min -name -object ");
 }
 
+TEST_F(Completion, TheListingCommandsAreAskedForTheWordThatWasTyped) {
+    for (const char* command : {"info_commands", "match_options"}) {
+        eval(std::string("rename omu::") + command + " omu::wk_" + command + "; proc omu::" + command +
+             " args {lappend ::wk_asked [list " + command + " {*}$args]; return {}}");
+    }
+    for (const char* line : {"^", " \t^", "wk_x; ^", "puts [get_prop^", "foo; ba^"}) {
+        EXPECT_EQ(tab(line), "error");
+    }
+    EXPECT_EQ(eval("set wk_asked"),
+              "{info_commands *} {info_commands *} {info_commands *} {info_commands get_prop*} "
+              "{info_commands ba*}");
+    eval("unset wk_asked");
+    for (const char* line : {"get_property -o^", "get_property -^", "foo; bar -x^", "puts [bar a -x^"}) {
+        EXPECT_EQ(tab(line), "error");
+    }
+    EXPECT_EQ(eval("set wk_asked"), "{match_options get_property o} {match_options get_property {}} "
+                                    "{match_options bar x} {match_options bar x}");
+    eval(
+        "foreach name {info_commands match_options} {rename omu::$name {}; rename omu::wk_$name omu::$name}");
+}
+
+TEST_F(Completion, WhatIsReplacedIsCountedFromTheStartOfTheLine) {
+    EXPECT_EQ(complete(interp, "foo; wk_build -col").replace, 14U);
+    EXPECT_EQ(complete(interp, "foo; puts [wk_pa").replace, 11U);
+    EXPECT_EQ(complete(interp, "größe; wk_x wkbe").replace, 14U) << "in bytes";
+    EXPECT_EQ(complete(interp, "foo; if 1 {wk_x {wk_pa").replace, 17U);
+}
+
 TEST_F(Completion, ALineThatIsTooLongSaysSoAndBeeps) {
     for (const std::string& line :
          {"wk_build -color " + std::string(5000, 'x') + " -c", "puts " + std::string(100000, 'x'),
