@@ -93,11 +93,11 @@ public:
     enum MsgCache { MSGCACHE_LATEST = 0, MSGCACHE_ON = 1 };
 
     /// Starts message handling for a session. Calling it again without uninit() between changes the settings.
-    /// \param file a file to record every shown message in, empty for none; it is written anew.
-    /// Throws a ComMsgMgrInstance (an ERROR naming file and reason) if the file cannot be written; messages
+    /// \param file a message database for the messages of the session, as createMsgDb() makes one; empty for none.
+    /// Throws a ComMsgMgrInstance (an ERROR naming file and reason) if the database cannot be made; messages
     /// are handled without it then.
     static void init(MsgCache cache, const std::string& file);
-    /// Ends message handling: closes the record, forgets counts, limits, kept messages and the database, and
+    /// Ends message handling: closes databases, forgets counts, limits, kept messages and message files, and
     /// gives the console back to the process's standard output. Messages sent afterwards are still shown.
     /// Harmless when called twice; init() may follow.
     static void uninit();
