@@ -92,6 +92,15 @@ TEST(HTCTclPatternMatch, RegularExpressionMatchesTheWholeName) {
     EXPECT_TRUE(HTCTclPatternMatch("a.b", true).match("a\nb"));
 }
 
+TEST(HTCTclPatternMatch, AStarAloneMatchesEveryNameEvenAsARegularExpression) {
+    const HTCTclPatternMatch every("*", true);
+    EXPECT_TRUE(every.match("rx/fifo"));
+    EXPECT_TRUE(every.match(""));
+    EXPECT_TRUE(every.hasWildcards());
+    EXPECT_FALSE(every.literal());
+    EXPECT_THROW(HTCTclPatternMatch("**", true), HEXError);
+}
+
 TEST(HTCTclPatternMatch, RefusesAnExpressionThatIsNone) {
     try {
         HTCTclPatternMatch("(a", true);

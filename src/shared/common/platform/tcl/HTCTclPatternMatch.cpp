@@ -137,7 +137,7 @@ struct HTCTclPatternMatch::expression {
 
 HTCTclPatternMatch::HTCTclPatternMatch(std::string pattern, bool regexp, bool nocase, Brackets brackets)
     : m_pattern(std::move(pattern)), m_nocase(nocase), m_brackets(brackets) {
-    if (!regexp) {
+    if (!regexp || m_pattern == "*") {
         if (!nocase && !hasWildcards()) {
             m_literal = unescaped(m_pattern);
         }

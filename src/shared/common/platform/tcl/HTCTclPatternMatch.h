@@ -9,7 +9,8 @@
 ///
 /// Glob: `*` stands for any characters, `?` for one, `[a-z]` for one of a set, a backslash takes the next
 /// character as it is. Regular expression: RE2's, which take time in proportion to the text whatever the
-/// expression; the whole name has to match. Copies share what was compiled. Any thread.
+/// expression; the whole name has to match. The pattern `*`, by default that of most commands, matches every
+/// name in either way. Copies share what was compiled. Any thread.
 class HTCTclPatternMatch {
 public:
     enum class Brackets {
