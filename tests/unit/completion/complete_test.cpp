@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include "platform/taskcore/value_hints.h"
+#include "tcltasks/builtin/completion/HTCInfoCommands.h"
+#include "tcltasks/builtin/completion/HTCMatchOptions.h"
 #include "world.h"
 
 using HTCLibEdit::detail::complete;
@@ -131,6 +133,22 @@ TEST_F(Completion, AListingCommandThatFailsBeeps) {
     eval("proc omu::info_commands args {return {wk_only <thing>}}");
     EXPECT_EQ(tab("wk^"), "listed\twk^\twk_only <thing> ");
     eval("rename omu::info_commands {}; rename wk_kept omu::info_commands");
+}
+
+TEST_F(Completion, WithoutItsCommandsTabBeepsAndRunsNothingElse) {
+    eval("set wk_unknown {}; proc unknown args {lappend ::wk_unknown $args; error no}");
+    HTCLibEditInit::HTCInfoCommands::uninit();
+    HTCLibEditInit::HTCMatchOptions::uninit();
+    for (const char* name : {"info_commands", "match_options", "hide_commands", "hide_namespaces"}) {
+        EXPECT_EQ(eval(std::string("info commands ::omu::") + name), "");
+    }
+    EXPECT_EQ(tab("wk_pa^"), "redisplayed beep");
+    EXPECT_EQ(tab("wk_build -col^"), "redisplayed beep");
+    HTCLibEditInit::HTCMatchOptions::init(interp);
+    HTCLibEditInit::HTCInfoCommands::init(interp);
+    EXPECT_EQ(finished("wk_pa^"), "wk_paint ^");
+    EXPECT_EQ(finished("wk_build -col^"), "wk_build -color ^");
+    EXPECT_EQ(eval("set wk_unknown"), "");
 }
 
 TEST_F(Completion, AnotherInterpreterHasItsOwnCommands) {

@@ -187,9 +187,13 @@ private:
         return result;
     }
 
-    // The list that a listing command gives; nothing if it fails.
+    // The list that a listing command gives; nothing if it fails. Tcl's `unknown` is not asked for one that
+    // was renamed away.
     std::optional<names> list_of(tclcmdobj&& command) {
-        if (command.eval(TCL_EVAL_GLOBAL) != TCL_OK) {
+        Tcl_Obj* name = nullptr;
+        Tcl_ListObjIndex(nullptr, command.obj(), 0, &name);
+        if (!Tcl_FindCommand(m_interp, Tcl_GetString(name), nullptr, TCL_GLOBAL_ONLY) ||
+            command.eval(TCL_EVAL_GLOBAL) != TCL_OK) {
             return std::nullopt;
         }
         const tclobj_ref result(Tcl_GetObjResult(m_interp));
