@@ -93,9 +93,9 @@ public:
     enum MsgCache { MSGCACHE_LATEST = 0, MSGCACHE_ON = 1 };
 
     /// Starts message handling for a session. Calling it again without uninit() between changes the settings.
-    /// \param file a message database for the messages of the session, as createMsgDb() makes one; empty for none.
-    /// Throws a ComMsgMgrInstance (an ERROR naming file and reason) if the database cannot be made; messages
-    /// are handled without it then.
+    /// \param file a message database for the messages of the session, as createMsgDb() makes one; empty for
+    /// none. Throws a ComMsgMgrInstance (an ERROR naming file and reason) if the database cannot be made;
+    /// messages are handled without it then.
     static void init(MsgCache cache, const std::string& file);
     /// Ends message handling: closes databases, forgets counts, limits, kept messages and message files, and
     /// gives the console back to the process's standard output. Messages sent afterwards are still shown.
