@@ -27,6 +27,12 @@ printf 'expr {6 * 7}\nnosuchcommand\nputs "still here"\n' >typed
 input=typed run "$corvane" -mode tcl -nolog -nojournal
 check "a script from a pipe goes on after an error" shows "still here"
 
+printf 'puts "begun"\nproc pümp {} {\n    puts "half\nset never 1\n' >typed
+input=typed run "$corvane" -mode tcl -nolog -nojournal
+check "the commands before an unclosed brace are run" shows "begun"
+check "a pipe that ends within a command is told, with the line where it begins" \
+    shows "[Common 17-5019] The input ends within the command that begins with 'proc pümp {} {'; this command was not run."
+
 printf 'error "the pump is dry"\n' >bad.tcl
 printf 'puts "still here"\n' >typed
 input=typed run "$corvane" -mode tcl -nolog -nojournal -source bad.tcl

@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "platform/env/HUTEnv.h"
+#include "platform/msg/ComMsgMgr.h"
 #include "platform/taskcore/task_manager.h"
+#include "platform/tcl/HTCTclEncoding.h"
 #include "platform/tcl/tclcmdobj.h"
 #include "platform/tcl/tclobj_ref.h"
 #include "tcltasks/builtin/editline/evaluate.h"
@@ -52,6 +54,10 @@ void Shell::run() {
         case Input::end:
             if (m_terminal) {
                 write("\n");
+            } else if (!m_command.empty()) {
+                const std::string line = m_command.substr(0, m_command.find('\n'));
+                ComMsgMgr::sendMsg("common", ComMsgMgr::MSGTYPE_ERROR, "@17-5019@%s\n",
+                                   HTCTclEncoding::fromTcl(line.c_str()));
             }
             return;
         case Input::line:
