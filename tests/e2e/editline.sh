@@ -87,14 +87,26 @@ send "exit\r"
 finish 0
 EXPECT
 
+on_terminal "what is typed ahead goes to whoever reads next" <<'EXPECT'
+start
+send "list one\[string repeat x 2\]\rgets stdin answer\rthe answer\r"
+see "the first result" {\nonexx\r\n}
+see "what the command has read" {\n10\r\n.*corvane% $}
+send "omu::stop_editline\rlist host\[string repeat x 2\]\rlist last\[string repeat x 2\]\r"
+see "a result at the host's prompt" {hostxx\r\n}
+see "the next one" {lastxx\r\n.*Corvane% $}
+send "exit\r"
+finish 0
+EXPECT
+
 on_terminal "prompts of the user's own come back when the editor is stopped" <<'EXPECT'
 start
 send "omu::stop_editline; set tcl_prompt1 {puts -nonewline {mine: }}; set tcl_prompt2 {}\r"
-see "the prompt of the user's own" {mine: $}
+see "the prompt of the user's own" {\nmine: $}
 send "omu::start_editline app\r"
 see "the editor's prompt" {app% $}
 send "omu::stop_editline; info exists tcl_prompt2\r"
-see "that a prompt that was empty is unset" {\r\n0\r\n.*mine: $}
+see "that a prompt that was empty is unset" {\r\n0\r\nmine: $}
 send "exit\r"
 finish 0
 EXPECT
@@ -164,6 +176,22 @@ see "a count" {\n\d+\r\n.*corvane% $}
 type "all of them served" {while {$flooded < 3000} {after 10; update}; set flooded} {\n3000\r\n}
 send "samples::eval_later 300 {exit 6}\r"
 finish 6
+EXPECT
+
+on_terminal "the prompt begins a row of its own behind output without a line end" <<'EXPECT'
+start 40
+set row [string repeat " " 40]
+type "what a command shows" "puts -nonewline \[string repeat go 2\]" "\ngogo$row\r\[^\n]*"
+type "what it shows on the other channel" "puts -nonewline stderr \[string repeat go 2\]" "\ngogo$row\r\[^\n]*"
+type "the samples" "load \$env(samples) Thread_samples" {}
+send "samples::eval_later 300 {puts -nonewline \[string repeat foreign 2\]}\r"
+see "the prompt" $prompt
+send "list typed"
+see "what the thread shows, and the line in a row of its own" "foreignforeign$row\r\[^\n]*corvane% list typed\$"
+send "\003"
+see "a fresh prompt" $prompt
+send "exit\r"
+finish 0
 EXPECT
 
 on_terminal "timers wait for a command that enters the event loop" <<'EXPECT'

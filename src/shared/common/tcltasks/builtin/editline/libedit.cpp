@@ -4,6 +4,7 @@
 #include <cstring>
 #include <histedit.h>
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "platform/taskcore/task_manager.h"
@@ -83,6 +84,23 @@ unsigned char complete_word(EditLine* el, int key) {
     return prompt_terminal::redrawIfMoved() && code == CC_REDISPLAY ? CC_NORM : code;
 }
 
+/// The mode that the terminal had before, given back without losing what has been typed ahead.
+class terminal_mode {
+public:
+    terminal_mode() : m_known(::tcgetattr(STDIN_FILENO, &m_mode) == 0) {}
+    ~terminal_mode() {
+        if (m_known) {
+            ::tcsetattr(STDIN_FILENO, TCSADRAIN, &m_mode);
+        }
+    }
+    terminal_mode(const terminal_mode&) = delete;
+    terminal_mode& operator=(const terminal_mode&) = delete;
+
+private:
+    termios m_mode{};
+    const bool m_known;
+};
+
 /// libedit's objects for as long as the loop runs.
 class editor {
 public:
@@ -104,10 +122,14 @@ public:
         el_source(el, nullptr);
         el_reset(el);
     }
-    ~editor() { el_end(el); }
+    ~editor() {
+        libedit().el_set(el, EL_EDITMODE, 0); // leaves the terminal alone, whose input it would throw away
+        el_end(el);
+    }
     editor(const editor&) = delete;
     editor& operator=(const editor&) = delete;
 
+    const terminal_mode mode;
     user_history history;
     EditLine* const el;
 };

@@ -82,6 +82,7 @@ prompt_terminal::prompt_terminal(EditLine* el, prompt_function prompt) : m_el(el
     lib.el_set(el, EL_ADDFN, "xtcl-paste", "Insert a pasted block as it is", paste);
     lib.el_set(el, EL_BIND, "\033[200~", "xtcl-paste", nullptr);
     m_canMarkPastes = canMoveUp();
+    m_canBeginRow = m_canMarkPastes && hasFeature("am") && hasFeature("xn") && ::isatty(STDOUT_FILENO) == 1;
 
     struct sigaction action {};
     action.sa_handler = onSignal;
@@ -106,6 +107,7 @@ bool prompt_terminal::read(std::string& line) {
     resized = 0;
     continued = 0;
     el_resize(m_el);
+    beginRow();
     markPastes(true);
     takeTerminal();
     // A command that another thread hands over may end the process.
@@ -238,6 +240,7 @@ void prompt_terminal::serve() {
     }
     eraseLine();
     serveEvents();
+    beginRow();
     libedit().el_set(m_el, EL_REFRESH);
 }
 
@@ -262,6 +265,20 @@ int prompt_terminal::columns() const {
 bool prompt_terminal::canMoveUp() const {
     char* up = nullptr;
     return libedit().el_get(m_el, EL_GETTC, "up", &up) == 0 && up && *up;
+}
+
+bool prompt_terminal::hasFeature(const char* name) const {
+    char* answer = nullptr;
+    return libedit().el_get(m_el, EL_GETTC, name, &answer) == 0 && answer &&
+           std::string_view(answer) == "yes";
+}
+
+// Takes the cursor to the next row when output without a line end has left it within one: a row of blanks
+// goes over the end of the row then, and is not shown. libedit takes it to be at the beginning.
+void prompt_terminal::beginRow() {
+    if (m_canBeginRow) {
+        write(std::string(static_cast<size_t>(columns()), ' ') + "\r\033[K");
+    }
 }
 
 // Where libedit shows the character at `end`, from the beginning of the prompt on.

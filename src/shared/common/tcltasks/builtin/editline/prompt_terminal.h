@@ -60,11 +60,14 @@ private:
     place placeOf(const wchar_t* end) const;
     int columns() const;
     bool canMoveUp() const;
+    bool hasFeature(const char* name) const;
+    void beginRow();
     std::wstring readPasted();
 
     EditLine* m_el;
     prompt_function m_prompt;
     bool m_canMarkPastes = false;
+    bool m_canBeginRow = false;
     bool m_marksPastes = false;
     bool m_interrupted = false;
     bool m_moved = false; ///< what was written took the cursor away from the line
