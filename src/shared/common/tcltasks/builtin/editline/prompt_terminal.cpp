@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -240,8 +241,28 @@ void prompt_terminal::serve() {
     }
     eraseLine();
     serveEvents();
+    // What follows at once shares the redraw; a key, a signal or a twentieth of a second end the wait for it.
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+    while (std::chrono::steady_clock::now() < until && nextEvent()) {
+        serveEvents();
+    }
     beginRow();
     libedit().el_set(m_el, EL_REFRESH);
+}
+
+// True when another thread wants something within a millisecond, and nothing else is to be done. A signal
+// stays announced for the next wait.
+bool prompt_terminal::nextEvent() {
+    pollfd ready[2] = {{STDIN_FILENO, POLLIN, 0}, {HTCTclWakeUp::descriptor(), POLLIN, 0}};
+    if (::poll(ready, 2, 1) <= 0 || ready[0].revents != 0) {
+        return false;
+    }
+    HTCTclWakeUp::clear();
+    if (Tcl_AsyncReady() || resized || continued) {
+        HTCTclWakeUp::notify();
+        return false;
+    }
+    return true;
 }
 
 void prompt_terminal::serveEvents() {

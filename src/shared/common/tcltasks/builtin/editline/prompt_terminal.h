@@ -52,6 +52,7 @@ private:
     size_t readBytes(char* bytes, size_t count);
     void serve();
     void serveEvents();
+    static bool nextEvent();
     void eraseLine();
     void goToLastRow();
     void leaveLine();
